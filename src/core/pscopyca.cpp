@@ -35,6 +35,16 @@ void copyShort(const Zvp8u* s, Zvp8u* d, int len, bool twoByteStep) {
 
 #if !defined(ZVP_NO_X86)
 
+// 64 bytes into a 16-byte aligned destination.
+template <bool AlignedSource>
+inline void copyBlock64(const Zvp8u* s, Zvp8u* d) {
+  const __m128i* sp = reinterpret_cast<const __m128i*>(s);
+  __m128i* dp = reinterpret_cast<__m128i*>(d);
+  __m128i v[4];
+  for (int i = 0; i < 4; ++i) v[i] = AlignedSource ? _mm_load_si128(sp + i) : _mm_loadu_si128(sp + i);
+  for (int i = 0; i < 4; ++i) _mm_store_si128(dp + i, v[i]);
+}
+
 void copyOrdinary(const Zvp8u* s, Zvp8u* d, int64_t len, DirectionRule rule) {
   // len >= 64. Align the destination with one unaligned 16-byte copy.
   _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_loadu_si128(reinterpret_cast<const __m128i*>(s)));
@@ -42,39 +52,19 @@ void copyOrdinary(const Zvp8u* s, Zvp8u* d, int64_t len, DirectionRule rule) {
   s += head;
   d += head;
   len -= head;
-  const int64_t blocks = len >> 6;
-  const int64_t body = blocks << 6;
+  const int64_t body = (len >> 6) << 6;
   if ((reinterpret_cast<uintptr_t>(s) & 15) == 0) {
     // Pick the direction that keeps loads off the page offset of recent stores.
     const int dlow = static_cast<int>(reinterpret_cast<uintptr_t>(s) & 0xFFF) -
                      static_cast<int>(reinterpret_cast<uintptr_t>(d) & 0xFFF);
     const bool ascending = rule == DirectionRule::Vector ? ((dlow > 0 && dlow <= 160) || dlow < -3936)
                                                          : !(dlow >= 3936 || (dlow >= -160 && dlow < 0));
-    auto block = [&](int64_t o) {
-      const __m128i* sp = reinterpret_cast<const __m128i*>(s + o);
-      __m128i* dp = reinterpret_cast<__m128i*>(d + o);
-      __m128i a = _mm_load_si128(sp), b = _mm_load_si128(sp + 1), c = _mm_load_si128(sp + 2),
-              e = _mm_load_si128(sp + 3);
-      _mm_store_si128(dp, a);
-      _mm_store_si128(dp + 1, b);
-      _mm_store_si128(dp + 2, c);
-      _mm_store_si128(dp + 3, e);
-    };
     if (ascending)
-      for (int64_t o = 0; o < body; o += 64) block(o);
+      for (int64_t o = 0; o < body; o += 64) copyBlock64<true>(s + o, d + o);
     else
-      for (int64_t o = body - 64; o >= 0; o -= 64) block(o);
+      for (int64_t o = body - 64; o >= 0; o -= 64) copyBlock64<true>(s + o, d + o);
   } else {
-    for (int64_t o = 0; o < body; o += 64) {
-      const __m128i* sp = reinterpret_cast<const __m128i*>(s + o);
-      __m128i* dp = reinterpret_cast<__m128i*>(d + o);
-      __m128i a = _mm_loadu_si128(sp), b = _mm_loadu_si128(sp + 1), c = _mm_loadu_si128(sp + 2),
-              e = _mm_loadu_si128(sp + 3);
-      _mm_store_si128(dp, a);
-      _mm_store_si128(dp + 1, b);
-      _mm_store_si128(dp + 2, c);
-      _mm_store_si128(dp + 3, e);
-    }
+    for (int64_t o = 0; o < body; o += 64) copyBlock64<false>(s + o, d + o);
   }
   // Tail below 64 bytes: 16-byte steps, the last one ending at the end.
   int64_t o = body;
