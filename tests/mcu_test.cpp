@@ -310,6 +310,24 @@ TEST(McuEdge, UnalignedYBlockTakesScalarBody) {
   }
 }
 
+TEST(McuEdge, YCCKKChannelLimitedInFastBodyWrappedInScalarBody) {
+  // Fast: clip(k + 128); scalar: low 8 bits of k - 128. Equal for -128..127.
+  const int16_t ks[4] = {32767, -200, 127, -128};
+  Blocks b(Samp::S444);
+  for (int i = 0; i < 4; ++i) b.k[static_cast<size_t>(i)] = ks[i];
+  for (size_t kOff : {0u, 2u}) {
+    Runs runs(Samp::S444, 4, {0, 0, 0, kOff});
+    runs.load(b);
+    Zvp8u dst[8 * 8 * 4];
+    ASSERT_EQ(zvpiYCCK444ToCMYKLS_MCU_16s8u_P4C4R(runs.ptrs.data(), dst, 32), zvpStatusOk);
+    EXPECT_EQ(dst[3], kOff ? 127 : 255);
+    EXPECT_EQ(dst[7], kOff ? 184 : 0);
+    EXPECT_EQ(dst[11], 255);
+    EXPECT_EQ(dst[15], 0);
+    EXPECT_EQ(dst[0], 127);  // zero colour blocks: 255 - 128 in both bodies
+  }
+}
+
 TEST(McuEdge, YBlockOrderOf411) {
   Blocks b(Samp::S411);
   const int16_t level[4] = {-100, -50, 0, 50};

@@ -41,8 +41,8 @@ void decodePixels(const Zvp16s* const* mcu, void* dst, int dstStep) {
           row[4 * x + 0] = static_cast<uint8_t>(255 - c.r);
           row[4 * x + 1] = static_cast<uint8_t>(255 - c.g);
           row[4 * x + 2] = static_cast<uint8_t>(255 - c.b);
-          // Fast: limited after a 16-bit wrapping add; careful: low 8 bits.
-          row[4 * x + 3] = Fast ? clip8(static_cast<int16_t>(k + 128)) : static_cast<uint8_t>((k - 128) & 0xFF);
+          // Fast: k + 128 limited to 0..255; careful: the low 8 bits of k - 128.
+          row[4 * x + 3] = Fast ? clip8(k + 128) : static_cast<uint8_t>((k - 128) & 0xFF);
         } else {
           const int v = D == Dec::BGR555 ? ((c.b >> 3) | ((c.g >> 3) << 5) | ((c.r >> 3) << 10))
                                          : ((c.b >> 3) | ((c.g >> 2) << 5) | ((c.r >> 3) << 11));

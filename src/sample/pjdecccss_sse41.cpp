@@ -115,7 +115,7 @@ void decodeSSE41(const Zvp16s* const* mcu, void* dst, int dstStep) {
         if constexpr (D == Dec::RGB || D == Dec::BGR) {
           store24(row + 24 * g, m3, _mm_packus_epi16(c.r, c.g), _mm_packus_epi16(c.b, c.b));
         } else if constexpr (D == Dec::CMYK) {
-          const __m128i k = _mm_add_epi16(load8(mcu[3] + li), k128);
+          const __m128i k = _mm_adds_epi16(load8(mcu[3] + li), k128);
           const __m128i ones = _mm_set1_epi8(-1);
           const __m128i cm = _mm_xor_si128(_mm_packus_epi16(c.r, c.g), ones);               // C x8, M x8
           const __m128i yk = _mm_xor_si128(_mm_packus_epi16(c.b, k), _mm_set_epi64x(0, -1));  // Y x8, K x8

@@ -62,7 +62,7 @@ void toCMYK(Samp s, bool fast, const Blocks& b, uint8_t* dst, int step) {
       d[0] = static_cast<uint8_t>(255 - p.r);
       d[1] = static_cast<uint8_t>(255 - p.g);
       d[2] = static_cast<uint8_t>(255 - p.b);
-      d[3] = static_cast<uint8_t>(fast ? clip(wrap16(k + 128)) : ((k - 128) & 0xFF));
+      d[3] = static_cast<uint8_t>(fast ? clip(k + 128) : ((k - 128) & 0xFF));
     }
 }
 
