@@ -39,13 +39,12 @@ struct BlockSet {
 };
 
 #if !defined(ZVP_NO_X86)
-TEST(McuKernels, DecodeSSE41MatchesScalarTwin) {
-  if (zvp::cpuIsa() < zvp::Isa::SSE41) GTEST_SKIP();
+void decodeMatchesScalarTwin(const DecTable& vec) {
   zt::Rng rng(41);
   for (int d = 0; d < kDecModels; ++d)
     for (int s = 0; s < kSamplings; ++s) {
       if (!kDecFastScalar[d][s]) continue;
-      ASSERT_NE(kDecFastSSE41[d][s], nullptr);
+      ASSERT_NE(vec[d][s], nullptr);
       const Samp S = static_cast<Samp>(s);
       const int rowBytes = mcuWidth(S) * decBpp(static_cast<Dec>(d));
       for (size_t off : {0u, 1u, 2u, 6u, 8u})
@@ -61,11 +60,21 @@ TEST(McuKernels, DecodeSSE41MatchesScalarTwin) {
             const size_t area = static_cast<size_t>(step) * (mcuHeight(S) - 1) + rowBytes;
             zt::Guarded d1(area, off), d2(area, off);
             kDecFastScalar[d][s](b.ptrs.data(), d1.data(), step);
-            kDecFastSSE41[d][s](b.ptrs.data(), d2.data(), step);
+            vec[d][s](b.ptrs.data(), d2.data(), step);
             ASSERT_EQ(d1.snapshot(), d2.snapshot()) << "model " << d << " samp " << s << " off " << off;
             ASSERT_TRUE(d1.intact() && d2.intact());
           }
     }
+}
+
+TEST(McuKernels, DecodeSSE41MatchesScalarTwin) {
+  if (zvp::cpuIsa() < zvp::Isa::SSE41) GTEST_SKIP();
+  decodeMatchesScalarTwin(kDecFastSSE41);
+}
+
+TEST(McuKernels, DecodeAVX2MatchesScalarTwin) {
+  if (zvp::cpuIsa() < zvp::Isa::AVX2) GTEST_SKIP();
+  decodeMatchesScalarTwin(kDecFastAVX2);
 }
 
 TEST(McuKernels, EncodeSSE41MatchesScalarTwin) {
@@ -104,6 +113,11 @@ TEST(McuKernels, DispatchFollowsTheCap) {
   if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
     EXPECT_EQ(decodeFastKernel(Dec::RGB, Samp::S411), kDecFastSSE41[0][2]);
     EXPECT_EQ(encodeFastKernel(Enc::CMYK, Samp::S444), kEncFastSSE41[2][0]);
+  }
+  zvp::setIsaCap(zvp::Isa::AVX2);
+  if (zvp::cpuIsa() >= zvp::Isa::AVX2) {
+    EXPECT_EQ(decodeFastKernel(Dec::CMYK, Samp::S422), kDecFastAVX2[2][1]);
+    EXPECT_EQ(encodeFastKernel(Enc::RGB, Samp::S411), kEncFastSSE41[0][2]);
   }
 #endif
   zvp::setIsaCap(saved);

@@ -87,29 +87,30 @@ constinit const DecTable kDecCareful = {
     {nullptr, decodePixels<Dec::Join422, Samp::S422, false>, nullptr},
 };
 
-namespace {
-bool useSSE41() {
-#if !defined(ZVP_NO_X86)
-  return cpuIsa() >= Isa::SSE41;
-#else
-  return false;
-#endif
-}
-}  // namespace
-
-// The dispatch point of the family, for both directions.
+// The dispatch point of the family, for both directions. The encoders keep
+// their SSE4.1 kernels on AVX2 processors.
 DecFn decodeFastKernel(Dec d, Samp s) {
+  const int m = static_cast<int>(d), k = static_cast<int>(s);
+  switch (cpuIsa()) {
 #if !defined(ZVP_NO_X86)
-  if (useSSE41()) return kDecFastSSE41[static_cast<int>(d)][static_cast<int>(s)];
+    case Isa::AVX512:
+    case Isa::AVX2: return kDecFastAVX2[m][k];
+    case Isa::SSE41: return kDecFastSSE41[m][k];
 #endif
-  return kDecFastScalar[static_cast<int>(d)][static_cast<int>(s)];
+    default: return kDecFastScalar[m][k];
+  }
 }
 
 EncFn encodeFastKernel(Enc e, Samp s) {
+  const int m = static_cast<int>(e), k = static_cast<int>(s);
+  switch (cpuIsa()) {
 #if !defined(ZVP_NO_X86)
-  if (useSSE41()) return kEncFastSSE41[static_cast<int>(e)][static_cast<int>(s)];
+    case Isa::AVX512:
+    case Isa::AVX2:
+    case Isa::SSE41: return kEncFastSSE41[m][k];
 #endif
-  return kEncFastScalar[static_cast<int>(e)][static_cast<int>(s)];
+    default: return kEncFastScalar[m][k];
+  }
 }
 
 }  // namespace zvp::mcu
