@@ -8,7 +8,7 @@
 //
 // Every kernel is one template over (direction, colour model, sampling): the
 // scalar twins of the fast bodies, the careful scalar bodies and the SSE4.1
-// fast bodies (SSE4.1 both ways, AVX2 for decoding) each fill a table
+// fast bodies (SSE4.1 and AVX2) each fill a table
 // [model][sampling].
 #pragma once
 
@@ -114,8 +114,9 @@ extern const EncTable kEncFastScalar;
 #if !defined(ZVP_NO_X86)
 extern const DecTable kDecFastSSE41;
 extern const EncTable kEncFastSSE41;
-// Decoding only: two 8-pixel groups per register, one per 128-bit lane.
+// Two 8-pixel groups per register, one per 128-bit lane.
 extern const DecTable kDecFastAVX2;
+extern const EncTable kEncFastAVX2;
 #endif
 // Careful scalar bodies (only the entries of members that have one are set).
 extern const DecTable kDecCareful;

@@ -87,8 +87,7 @@ constinit const DecTable kDecCareful = {
     {nullptr, decodePixels<Dec::Join422, Samp::S422, false>, nullptr},
 };
 
-// The dispatch point of the family, for both directions. The encoders keep
-// their SSE4.1 kernels on AVX2 processors.
+// The dispatch point of the family, for both directions.
 DecFn decodeFastKernel(Dec d, Samp s) {
   const int m = static_cast<int>(d), k = static_cast<int>(s);
   switch (cpuIsa()) {
@@ -106,7 +105,7 @@ EncFn encodeFastKernel(Enc e, Samp s) {
   switch (cpuIsa()) {
 #if !defined(ZVP_NO_X86)
     case Isa::AVX512:
-    case Isa::AVX2:
+    case Isa::AVX2: return kEncFastAVX2[m][k];
     case Isa::SSE41: return kEncFastSSE41[m][k];
 #endif
     default: return kEncFastScalar[m][k];
