@@ -65,11 +65,11 @@ void expectDecodeRecord(const uint8_t* bits, const uint8_t* vals, int wantStatus
   DecSpec d;
   std::memset(d.b, 0x5A, sizeof d.b);
   EXPECT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(bits, vals, d.p()), wantStatus);
-  if (wantStatus == zvpStatusOk) EXPECT_EQ(0, std::memcmp(d.b, want.bytes.data(), 1644));
+  if (wantStatus == zvpStatusOk) { EXPECT_EQ(0, std::memcmp(d.b, want.bytes.data(), 1644)); }
   ZvpiDecodeHuffmanSpec* pa = nullptr;
   EXPECT_EQ(zvpiDecodeHuffmanSpecInitAlloc_JPEG_8u(bits, vals, &pa), wantStatus);
   ASSERT_NE(pa, nullptr);  // stored also when the lists fail
-  if (wantStatus == zvpStatusOk) EXPECT_EQ(0, std::memcmp(pa, want.bytes.data(), 1644));
+  if (wantStatus == zvpStatusOk) { EXPECT_EQ(0, std::memcmp(pa, want.bytes.data(), 1644)); }
   EXPECT_EQ(zvpiDecodeHuffmanSpecFree_JPEG_8u(pa), zvpStatusOk);
 }
 
@@ -740,7 +740,7 @@ TEST(HuffmanDecode, PendingMarkerGoesCarefulAndSucceeds) {
   int16_t warm[64];
   ASSERT_EQ(run.block(warm), zvpStatusOk);  // fast path, bits read ahead
   run.gm = run.wm = 0x55;
-  if (run.block(got) == zvpStatusOk) EXPECT_EQ(0, std::memcmp(got, blocks[1].data(), 128));
+  if (run.block(got) == zvpStatusOk) { EXPECT_EQ(0, std::memcmp(got, blocks[1].data(), 128)); }
 }
 
 TEST(HuffmanDecode, SourceEndsWithLoneFF) {
@@ -949,9 +949,9 @@ TEST(HuffmanDecode, DirectMatchesModel) {
         ASSERT_EQ(gm, wm);
         ASSERT_EQ(gd, wd);
         ASSERT_EQ(gn, wn) << i;
-        if (gn > 0 && gn <= 32) ASSERT_EQ(gb & (gn == 32 ? ~0u : (1u << gn) - 1), wb & (wn == 32 ? ~0u : (1u << wn) - 1));
+        if (gn > 0 && gn <= 32) { ASSERT_EQ(gb & (gn == 32 ? ~0u : (1u << gn) - 1), wb & (wn == 32 ? ~0u : (1u << wn) - 1)); }
         ASSERT_EQ(0, std::memcmp(got, want, 128));
-        if (i < blocks.size()) ASSERT_EQ(0, std::memcmp(got, blocks[i].data(), 128)) << i;
+        if (i < blocks.size()) { ASSERT_EQ(0, std::memcmp(got, blocks[i].data(), 128)) << i; }
       }
       EXPECT_EQ(gm, 0xD9);
       EXPECT_TRUE(g.intact());
