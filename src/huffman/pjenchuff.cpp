@@ -65,15 +65,6 @@ namespace {
 // table can hold) reads as "no code" instead of a word behind the table.
 inline uint32_t acEntry(const ZvpiEncodeHuffmanSpec* t, int idx) { return idx < 256 ? t->code[idx] : 0; }
 
-// Last nonzero AC position in zig-zag order, 0 when all AC values are zero.
-inline int lastNonzero(const Zvp16s* pSrc) {
-  const int32_t* zz = own_pj_izigzag_index.data();
-  int k = 63;
-  while (k >= 2 && (pSrc[zz[k]] | pSrc[zz[k - 1]]) == 0) k -= 2;
-  while (k >= 1 && pSrc[zz[k]] == 0) --k;
-  return k;
-}
-
 // Writes whole bytes with stuffing. `checked` selects the stateful encoder's
 // room tests; false means give up.
 template <bool checked>
@@ -117,27 +108,39 @@ struct BitSink {
   }
 };
 
+// Bit length of a nonzero magnitude (the category of own_pj_csize).
+inline int categoryOf(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
+
 // Codes the block; `strict`: a symbol without a code gives up (stateful)
-// instead of writing only its value bits (Direct).
+// instead of writing only its value bits (Direct). The AC values are
+// gathered in zig-zag order with a mask of the nonzero positions, so that
+// runs of zeros cost one bit scan.
 template <bool strict, class Sink>
 inline bool codeBlock(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
                       const ZvpiEncodeHuffmanSpec* ac) {
   const int32_t* zz = own_pj_izigzag_index.data();
-  int c = category(diff);
+  int16_t zb[64];
+  uint64_t mask = 0;
+  for (int k = 1; k < 64; ++k) {
+    int16_t v = pSrc[zz[k]];
+    zb[k] = v;
+    mask |= static_cast<uint64_t>(v != 0) << k;
+  }
+
+  uint32_t mag = diff < 0 ? 0u - static_cast<uint32_t>(diff) : static_cast<uint32_t>(diff);
+  int c = categoryOf(mag);
   if (diff < 0) diff -= 1;
   uint32_t e = dc->code[c];
   int len = static_cast<int>(e >> 16);
   if (strict && len == 0) return false;
   if (!w.put((uint64_t{e & 0xFFFF} << c) | lowBits(static_cast<uint32_t>(diff), c), len + c)) return false;
 
-  int last = lastNonzero(pSrc);
-  int r = 0;
-  for (int k = 1; k <= last; ++k) {
-    int32_t v = pSrc[zz[k]];
-    if (v == 0) {
-      ++r;
-      continue;
-    }
+  int prev = 0;
+  while (mask) {
+    int k = __builtin_ctzll(mask);
+    mask &= mask - 1;
+    int r = k - prev - 1;
+    prev = k;
     while (r >= 16) {
       e = ac->code[0xF0];
       len = static_cast<int>(e >> 16);
@@ -145,15 +148,15 @@ inline bool codeBlock(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncod
       if (!w.put(e & 0xFFFF, len)) return false;
       r -= 16;
     }
-    c = category(v);
+    int32_t v = zb[k];
+    c = categoryOf(static_cast<uint32_t>(v < 0 ? -v : v));
     if (v < 0) v -= 1;
     e = acEntry(ac, (r << 4) + c);
     len = static_cast<int>(e >> 16);
     if (strict && len == 0) return false;
     if (!w.put((uint64_t{e & 0xFFFF} << c) | lowBits(static_cast<uint32_t>(v), c), len + c)) return false;
-    r = 0;
   }
-  if (last < 63) {
+  if (prev < 63) {
     e = ac->code[0];
     len = static_cast<int>(e >> 16);
     if (strict && len == 0) return false;
