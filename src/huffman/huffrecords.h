@@ -87,10 +87,12 @@ inline int32_t walkSymbol(const ZvpiDecodeHuffmanSpec* t, int length, int32_t co
 // Low n bits (n from 0 to 32).
 inline uint32_t lowBits(uint32_t v, int n) { return n >= 32 ? v : (v & ((1u << n) - 1u)); }
 
-// Value of s raw bits (s from 0 to 16), sign-extended the JPEG way.
+// Value of s raw bits (s from 0 to 16), sign-extended the JPEG way: with the
+// top bit clear, v - 2^s + 1. Branch-free (the branch would be a coin toss).
 inline int32_t extendValue(uint32_t v, int s) {
-  if (s == 0) return 0;
-  return v < (1u << (s - 1)) ? static_cast<int32_t>(v) + static_cast<int32_t>(1 - (1u << s)) : static_cast<int32_t>(v);
+  int32_t x = static_cast<int32_t>(v);
+  int32_t half = static_cast<int32_t>((1u << s) >> 1);
+  return x + (((x - half) >> 31) & static_cast<int32_t>(1u - (1u << s)));
 }
 
 // Bit category of a 32-bit difference or coefficient: the bit length of |v|.
