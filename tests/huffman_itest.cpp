@@ -2,6 +2,8 @@
 // constants, and the fast paths against the careful paths on the same blocks.
 #include <gtest/gtest.h>
 
+#include "core/cpu.h"
+#include "huffman/huffkernels.h"
 #include "huffman/huffrecords.h"
 #include "huffman_common.h"
 
@@ -227,6 +229,27 @@ TEST(HuffmanPaths, EncoderFastEqualsCareful) {
       ASSERT_EQ(sa.bitBufferLo & mask, sb.bitBufferLo & mask);
       ASSERT_EQ(0, std::memcmp(a.data(), b.data(), static_cast<size_t>(pa)));
     }
+  }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(HuffmanKernels, ZigzagMaskTwins) {
+  zt::Rng rng(61);
+  static const auto zz = href::zigzag();
+  for (int it = 0; it < 2000; ++it) {
+    zt::Guarded g(128, static_cast<size_t>(2 * (it % 8)));
+    int16_t* b = g.as<int16_t>();
+    for (int i = 0; i < 64; ++i) b[i] = static_cast<int16_t>(rng.uniform(0, 3) ? 0 : rng.s16());
+    if (it % 5 == 0) b[rng.uniform(0, 63)] = -32768;
+    uint64_t want = 0;
+    for (int k = 0; k < 64; ++k) want |= static_cast<uint64_t>(b[zz[k]] != 0) << k;
+    ASSERT_EQ(zvp::huff::zigzagMaskScalar(b), want);
+#if !defined(ZVP_NO_X86)
+    if (zvp::cpuIsa() >= zvp::Isa::SSE41) ASSERT_EQ(zvp::huff::zigzagMaskSSE41(b), want);
+#endif
   }
 }
 

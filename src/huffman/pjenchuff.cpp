@@ -4,7 +4,9 @@
 #include <cstring>
 
 #include "core/checks.h"
+#include "core/cpu.h"
 #include "core/memory.h"
+#include "huffman/huffkernels.h"
 #include "huffman/huffbits.h"
 #include "huffman/huffrecords.h"
 #include "sample/zigzag.h"
@@ -54,6 +56,27 @@ ZvpStatus ownpj_EncodeHuffmanFlush(Zvp8u* pDst, int dstLenBytes, int* pDstCurrPo
   ownpj_EncodeHuffmanStateInit(s);
   return st;
 }
+
+// ---------------------------------------------------------------------------
+// Kernels and the family's dispatch point.
+
+namespace zvp::huff {
+
+uint64_t zigzagMaskScalar(const Zvp16s* pSrc) {
+  const int32_t* zz = own_pj_izigzag_index.data();
+  uint64_t mask = 0;
+  for (int k = 0; k < 64; ++k) mask |= static_cast<uint64_t>(pSrc[zz[k]] != 0) << k;
+  return mask;
+}
+
+ZigzagMaskFn zigzagMask() {
+#if !defined(ZVP_NO_X86)
+  if (cpuIsa() >= Isa::SSE41) return zigzagMaskSSE41;
+#endif
+  return zigzagMaskScalar;
+}
+
+}  // namespace zvp::huff
 
 // ---------------------------------------------------------------------------
 // Fast paths: bits gather right-justified in a 64-bit word and leave in
@@ -112,20 +135,13 @@ struct BitSink {
 inline int categoryOf(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
 
 // Codes the block; `strict`: a symbol without a code gives up (stateful)
-// instead of writing only its value bits (Direct). The AC values are
-// gathered in zig-zag order with a mask of the nonzero positions, so that
-// runs of zeros cost one bit scan.
+// instead of writing only its value bits (Direct). A mask of the nonzero AC
+// positions in zig-zag order makes a run of zeros cost one bit scan.
 template <bool strict, class Sink>
 inline bool codeBlock(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
                       const ZvpiEncodeHuffmanSpec* ac) {
   const int32_t* zz = own_pj_izigzag_index.data();
-  int16_t zb[64];
-  uint64_t mask = 0;
-  for (int k = 1; k < 64; ++k) {
-    int16_t v = pSrc[zz[k]];
-    zb[k] = v;
-    mask |= static_cast<uint64_t>(v != 0) << k;
-  }
+  uint64_t mask = zvp::huff::zigzagMask()(pSrc) & ~uint64_t{1};
 
   uint32_t mag = diff < 0 ? 0u - static_cast<uint32_t>(diff) : static_cast<uint32_t>(diff);
   int c = categoryOf(mag);
@@ -148,13 +164,14 @@ inline bool codeBlock(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncod
       if (!w.put(e & 0xFFFF, len)) return false;
       r -= 16;
     }
-    int32_t v = zb[k];
-    c = categoryOf(static_cast<uint32_t>(v < 0 ? -v : v));
-    if (v < 0) v -= 1;
+    int32_t v = pSrc[zz[k]];
+    int32_t sgn = v >> 31;  // -1 for a negative value: its bits are v - 1
+    c = 32 - __builtin_clz(static_cast<uint32_t>((v ^ sgn) - sgn));
+    uint32_t valueBits = static_cast<uint32_t>(v + sgn) & ((1u << c) - 1);
     e = acEntry(ac, (r << 4) + c);
     len = static_cast<int>(e >> 16);
     if (strict && len == 0) return false;
-    if (!w.put((uint64_t{e & 0xFFFF} << c) | lowBits(static_cast<uint32_t>(v), c), len + c)) return false;
+    if (!w.put((uint64_t{e & 0xFFFF} << c) | valueBits, len + c)) return false;
   }
   if (prev < 63) {
     e = ac->code[0];
