@@ -248,7 +248,9 @@ TEST(HuffmanKernels, ZigzagMaskTwins) {
     for (int k = 0; k < 64; ++k) want |= static_cast<uint64_t>(b[zz[k]] != 0) << k;
     ASSERT_EQ(zvp::huff::zigzagMaskScalar(b), want);
 #if !defined(ZVP_NO_X86)
-    if (zvp::cpuIsa() >= zvp::Isa::SSE41) ASSERT_EQ(zvp::huff::zigzagMaskSSE41(b), want);
+    if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
+      ASSERT_EQ(zvp::huff::zigzagMaskSSE41(b), want);
+    }
 #endif
   }
 }
