@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     default: {  // code lengths from arbitrary statistics
       std::vector<int32_t> stats(257, 0);
-      std::memcpy(stats.data(), rest.data(), std::min(rest.size(), stats.size() * 4));
+      if (!rest.empty()) std::memcpy(stats.data(), rest.data(), std::min(rest.size(), stats.size() * 4));
       uint8_t lb[16], lv[256];
       if (zvpiEncodeHuffmanRawTableInit_JPEG_8u(stats.data(), lb, lv) == zvpStatusOk) {
         alignas(16) uint8_t rec[ZVPJ_DECODE_HUFFMAN_SPEC_SIZE];
