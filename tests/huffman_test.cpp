@@ -960,3 +960,96 @@ TEST(HuffmanDecode, DirectMatchesModel) {
 }
 
 }  // namespace
+
+namespace {
+
+// Direct decoder: a marker that cuts the AC symbols ends the block cleanly.
+TEST(HuffmanDecodeDirect, MarkerEndsBlockCleanly) {
+  zt::Rng rng(71);
+  Crafted c(rng);
+  static const auto zz = href::zigzag();
+  int16_t want[64] = {};
+  c.sym(c.t.dcR, 2);
+  c.w.put(3, 2);  // +3
+  want[0] = 3;
+  int k = 1;
+  while ((c.w.n != 0 || k < 4) && k < 40) {  // values until the data ends on a byte boundary
+    int s = (k % 3 == 0) ? 2 : 1;
+    c.sym(c.t.acR, s);
+    c.w.put(s == 2 ? 3 : 1, s);
+    want[zz[k]] = static_cast<int16_t>(s == 2 ? 3 : 1);
+    ++k;
+  }
+  ASSERT_EQ(c.w.n, 0);
+  std::vector<uint8_t> src = c.w.out;
+  size_t dataLen = src.size();
+  src.insert(src.end(), {0xFF, 0xD0, 0x12, 0x34});
+  int bp = 0, m = 0, nb = 0;
+  uint32_t pb = 0;
+  int16_t dc = 0, got[64];
+  ASSERT_EQ(zvpiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src.data(), &bp, got, &dc, &m, &pb, &nb, c.t.dcD.p(), c.t.acD.p()),
+            zvpStatusOk);
+  EXPECT_EQ(0, std::memcmp(got, want, 128));
+  EXPECT_EQ(m, 0xD0);
+  EXPECT_EQ(nb, 0);
+  EXPECT_EQ(bp, static_cast<int>(dataLen + 2) * 8);
+  EXPECT_EQ(dc, 3);
+}
+
+TEST(HuffmanDecodeDirect, MarkerBeforeDcKeepsPosition) {
+  zt::Rng rng(72);
+  Tables t = Tables::random(rng);
+  uint8_t src[4] = {0xFF, 0xFF, 0xD9, 0x00};
+  int bp = 0, m = 0, nb = 0;
+  uint32_t pb = 0;
+  int16_t dc = 77, got[64];
+  std::memset(got, 0x11, sizeof got);
+  ASSERT_EQ(zvpiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src, &bp, got, &dc, &m, &pb, &nb, t.dcD.p(), t.acD.p()),
+            zvpStatusOk);
+  EXPECT_EQ(bp, 0);  // not written back
+  EXPECT_EQ(m, 0xD9);
+  EXPECT_EQ(dc, 77);
+  for (int16_t v : got) EXPECT_EQ(v, 0);
+  // A bit position's low 3 bits are ignored; a fast-path block leaves a whole byte count.
+  href::CodeMap dcm(t.dcL), acm(t.acL);
+  href::BitWriter bw;
+  bw.put(0x5, 3);  // 3 bits of filler before the block in the first byte
+  int16_t blk[64] = {}, edc = 0;
+  blk[0] = 9;
+  blk[5] = -4;
+  href::encodeBlock(bw, blk, edc, dcm, acm);
+  bw.padOnes();
+  std::vector<uint8_t> s2 = bw.out;
+  s2.insert(s2.end(), 40, 0x00);
+  s2.insert(s2.end(), {0xFF, 0xD9});
+  // Read-ahead: the first byte's last 5 bits, the position behind it.
+  bp = 8 + 5;
+  nb = 5;
+  pb = s2[0] & 0x1F;
+  m = 0;
+  dc = 0;
+  ASSERT_EQ(zvpiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(s2.data(), &bp, got, &dc, &m, &pb, &nb, t.dcD.p(), t.acD.p()),
+            zvpStatusOk);
+  EXPECT_EQ(0, std::memcmp(got, blk, 128));
+  EXPECT_EQ(bp % 8, 0);
+  EXPECT_LE(nb, 32);
+}
+
+TEST(HuffmanDecodeDirect, PresetMarkerUsesPrefetchedBits) {
+  // DC "00" (category 0) and AC EOB "00": four zero bits make a block.
+  uint8_t dcb[16] = {0, 1, 5, 1, 1, 1, 1, 1, 1}, dcv[12] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+  uint8_t acb[16] = {0, 1}, acv[1] = {0};
+  DecSpec dc, ac;
+  ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(dcb, dcv, dc.p()), 0);
+  ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(acb, acv, ac.p()), 0);
+  uint8_t src[2] = {0xFF, 0xD9};
+  int bp = 16, m = 0xD9, nb = 12;
+  uint32_t pb = 0x0F0;  // 0000 1111 0000: one block, then 1111 0000
+  int16_t d = 5, got[64];
+  ASSERT_EQ(zvpiDecodeHuffman8x8_Direct_JPEG_1u16s_C1(src, &bp, got, &d, &m, &pb, &nb, dc.p(), ac.p()), zvpStatusOk);
+  EXPECT_EQ(nb, 8);
+  EXPECT_EQ(got[0], 5);
+  EXPECT_EQ(bp, 16);
+}
+
+}  // namespace
