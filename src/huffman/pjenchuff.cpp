@@ -88,6 +88,17 @@ namespace {
 // table can hold) reads as "no code" instead of a word behind the table.
 inline uint32_t acEntry(const ZvpiEncodeHuffmanSpec* t, int idx) { return idx < 256 ? t->code[idx] : 0; }
 
+// The `whole` top bytes of w, each 0xFF followed by 0x00; the new position.
+__attribute__((noinline)) int64_t writeStuffed(uint8_t* dst, int64_t pos, uint64_t w, int whole) {
+  for (int i = 0; i < whole; ++i) {
+    uint8_t b = static_cast<uint8_t>(w >> 56);
+    w <<= 8;
+    dst[pos++] = b;
+    if (b == 0xFF) dst[pos++] = 0;
+  }
+  return pos;
+}
+
 // Writes whole bytes with stuffing. `checked` selects the stateful encoder's
 // room tests; false means give up.
 template <bool checked>
@@ -105,17 +116,12 @@ struct BitSink {
     uint64_t w = acc << (64 - n);
     int whole = n >> 3;
     bool ff = zvp::huff::hasFF(w);
-    if (n >= 32 && !ff) {
+    if (__builtin_expect(n >= 32 && !ff, 1)) {
       zvp::huff::storeBE64(dst + pos, w);
       pos += whole;
     } else {
       if (checked && ff && room < 16) return false;
-      for (int i = 0; i < whole; ++i) {
-        uint8_t b = static_cast<uint8_t>(w >> 56);
-        w <<= 8;
-        dst[pos++] = b;
-        if (b == 0xFF) dst[pos++] = 0;
-      }
+      pos = writeStuffed(dst, pos, w, whole);
     }
     n -= whole * 8;
     acc = n ? acc & ((uint64_t{1} << n) - 1) : 0;
@@ -138,8 +144,22 @@ inline int categoryOf(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
 // instead of writing only its value bits (Direct). A mask of the nonzero AC
 // positions in zig-zag order makes a run of zeros cost one bit scan.
 template <bool strict, class Sink>
+inline bool codeBlockBody(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
+                          const ZvpiEncodeHuffmanSpec* ac);
+
+// The sink lives in locals (registers) for the block and goes back at the end.
+template <bool strict, class Sink>
 inline bool codeBlock(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
                       const ZvpiEncodeHuffmanSpec* ac) {
+  Sink local = w;
+  bool ok = codeBlockBody<strict>(local, pSrc, diff, dc, ac);
+  w = local;
+  return ok;
+}
+
+template <bool strict, class Sink>
+inline bool codeBlockBody(Sink& w, const Zvp16s* pSrc, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
+                          const ZvpiEncodeHuffmanSpec* ac) {
   const int32_t* zz = own_pj_izigzag_index.data();
   uint64_t mask = zvp::huff::zigzagMask()(pSrc) & ~uint64_t{1};
 
