@@ -196,10 +196,14 @@ void wideRowScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks) {
 }
 
 WideRowFn wideRow() {
+  switch (cpuIsa()) {
 #if !defined(ZVP_NO_X86)
-  if (cpuIsa() >= Isa::SSE41) return wideRowSSE41;
+    case Isa::AVX512:
+    case Isa::AVX2: return wideRowAVX2;
+    case Isa::SSE41: return wideRowSSE41;
 #endif
-  return wideRowScalar;
+    default: return wideRowScalar;
+  }
 }
 
 }  // namespace zvp::tex

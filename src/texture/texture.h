@@ -44,6 +44,7 @@ namespace zvp::tex {
 using WideRowFn = void (*)(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 void wideRowScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 void wideRowSSE41(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
+void wideRowAVX2(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 WideRowFn wideRow();  // the dispatch point of the encoders
 
 // Wide-path per-pixel maps: raw colour position 0..3 to DXT index, raw alpha

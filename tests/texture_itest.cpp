@@ -1,0 +1,147 @@
+// Texture internals: the vector kernels of the wide DXT5 path against their
+// scalar twin, the single-block routines and the scalar-only library against
+// the reference models.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "core/cpu.h"
+#include "ref/texture_ref.h"
+#include "support/testutil.h"
+#include "texture/texture.h"
+
+namespace {
+
+// 4 rows of 4 * numBlocks pixels with content of kind `kind`.
+void fillStrip(zt::Rng& rng, uint8_t* p, int rowBytes, int numBlocks, int kind) {
+  for (int r = 0; r < 4; ++r)
+    for (int i = 0; i < 16 * numBlocks; ++i) {
+      int v;
+      switch (kind) {
+        case 0: v = rng.byte(); break;                              // full ranges
+        case 1: v = 77; break;                                      // all ranges 0
+        case 2: v = 100 + rng.uniform(0, 1); break;                 // ranges of 1
+        case 3: v = (i & 3) == 3 ? rng.uniform(0, 2) : rng.byte(); break;  // small alpha range
+        case 4: v = rng.uniform(0, 1) ? 0 : 255; break;             // extremes
+        default: v = (i * 5 + r * 17) & 255; break;                 // gradients
+      }
+      p[static_cast<size_t>(rowBytes) * r + i] = static_cast<uint8_t>(v);
+    }
+}
+
+struct Kernel {
+  const char* name;
+  zvp::Isa isa;
+  zvp::tex::WideRowFn fn;
+};
+
+std::vector<Kernel> vectorKernels() {
+  std::vector<Kernel> k;
+#if !defined(ZVP_NO_X86)
+  zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  const zvp::Isa have = zvp::cpuIsa();
+  zvp::setIsaCap(saved);
+  if (have >= zvp::Isa::SSE41) k.push_back({"sse41", zvp::Isa::SSE41, zvp::tex::wideRowSSE41});
+  if (have >= zvp::Isa::AVX2) k.push_back({"avx2", zvp::Isa::AVX2, zvp::tex::wideRowAVX2});
+#endif
+  return k;
+}
+
+}  // namespace
+
+TEST(TextureKernels, WideRowVectorMatchesScalar) {
+  zt::Rng rng(101);
+  for (const Kernel& k : vectorKernels())
+    for (int numBlocks = 2; numBlocks <= 20; numBlocks += 2)
+      for (int kind = 0; kind < 6; ++kind)
+        for (int offset : {0, 1, 7})
+          for (bool negative : {false, true}) {
+            const int rowBytes = 16 * numBlocks + offset + 3;
+            zt::Guarded src(static_cast<size_t>(rowBytes) * 4, static_cast<size_t>(offset));
+            fillStrip(rng, src.data(), rowBytes, numBlocks, kind);
+            const Zvp8u* base = negative ? src.data() + 3 * rowBytes : src.data();
+            const int step = negative ? -rowBytes : rowBytes;
+            std::vector<uint8_t> a(16 * numBlocks), b(16 * numBlocks);
+            zvp::tex::wideRowScalar(base, step, a.data(), numBlocks);
+            k.fn(base, step, b.data(), numBlocks);
+            ASSERT_EQ(a, b) << k.name << " blocks " << numBlocks << " kind " << kind;
+          }
+}
+
+TEST(TextureKernels, WideRowScalarMatchesReference) {
+  zt::Rng rng(102);
+  for (int kind = 0; kind < 6; ++kind)
+    for (int t = 0; t < 20; ++t) {
+      std::vector<uint8_t> strip(4 * 32);
+      fillStrip(rng, strip.data(), 32, 2, kind);
+      uint8_t out[32];
+      zvp::tex::wideRowScalar(strip.data(), 32, out, 2);
+      for (int b = 0; b < 2; ++b) {
+        uint8_t blk[64], want[16];
+        for (int r = 0; r < 4; ++r) std::memcpy(blk + 16 * r, &strip[32 * r + 16 * b], 16);
+        ref::tex::encodeDXT5Wide(blk, want);
+        ASSERT_EQ(0, std::memcmp(out + 16 * b, want, 16)) << kind;
+      }
+    }
+}
+
+TEST(TextureKernels, SingleBlockRoutines) {
+  zt::Rng rng(103);
+  for (int t = 0; t < 2000; ++t) {
+    uint8_t blk[16], tile[64], want[64];
+    rng.fill(blk, 16);
+    decode_block_dxt1_rgba(blk, tile);
+    ref::tex::decodeBlock(ref::tex::Fmt::DXT1, blk, want);
+    ASSERT_EQ(0, std::memcmp(tile, want, 64));
+    decode_block_dxt3_rgba(blk, tile);
+    ref::tex::decodeBlock(ref::tex::Fmt::DXT3, blk, want);
+    ASSERT_EQ(0, std::memcmp(tile, want, 64));
+    decode_block_dxt5_rgba(blk, tile);
+    ref::tex::decodeBlock(ref::tex::Fmt::DXT5, blk, want);
+    ASSERT_EQ(0, std::memcmp(tile, want, 64));
+    // BC7 with a row step: 4 rows of 16 bytes, 24 apart.
+    uint8_t rows[4 * 24];
+    std::memset(rows, 0xCD, sizeof rows);
+    EXPECT_EQ(decode_block_bc7_rgba(blk, rows, 24), blk + 16);
+    ref::tex::decodeBlock(ref::tex::Fmt::BC7, blk, want);
+    for (int r = 0; r < 4; ++r) {
+      ASSERT_EQ(0, std::memcmp(rows + 24 * r, want + 16 * r, 16));
+      for (int x = 16; x < 24; ++x) ASSERT_EQ(rows[24 * r + x], 0xCD);
+    }
+    uint8_t px[64], out[16], ref16[16];
+    rng.fill(px, 64);
+    encode_block_rgba_dxt1(px, out);
+    ref::tex::encodeDXT1(px, ref16);
+    ASSERT_EQ(0, std::memcmp(out, ref16, 8));
+    encode_block_rgba_dxt3(px, out);
+    ref::tex::encodeDXT3(px, ref16);
+    ASSERT_EQ(0, std::memcmp(out, ref16, 16));
+    encode_block_rgba_dxt5(px, out);
+    ref::tex::encodeDXT5Block(px, ref16);
+    ASSERT_EQ(0, std::memcmp(out, ref16, 16));
+    uint8_t y[48];
+    std::memcpy(y, px, 48);
+    ref::tex::encodeYCoCg(y, ref16);
+    encode_block_ycocg_dxt5(y, out);
+    ASSERT_EQ(0, std::memcmp(out, ref16, 16));
+  }
+}
+
+TEST(TextureKernels, EveryIsaGivesTheReferenceBytes) {
+  zt::Rng rng(104);
+  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  for (zvp::Isa isa : {zvp::Isa::Scalar, zvp::Isa::SSE41, zvp::Isa::AVX2}) {
+    zvp::setIsaCap(isa);
+    for (int w : {16, 17, 31, 32, 33, 48, 64, 100}) {
+      const int h = 9;
+      std::vector<uint8_t> img(static_cast<size_t>(w) * h * 4);
+      rng.fill(img.data(), img.size());
+      const size_t out = static_cast<size_t>((w + 3) / 4) * 3 * 16;
+      std::vector<uint8_t> got(out);
+      ASSERT_EQ(ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(img.data(), 4 * w, {w, h}, got.data()), zvpStatusOk);
+      EXPECT_EQ(got, ref::tex::encodeImage(ref::tex::Fmt::DXT5, img.data(), w, h)) << w;
+    }
+  }
+  zvp::setIsaCap(saved);
+}
