@@ -69,6 +69,35 @@ TEST(TextureKernels, WideRowVectorMatchesScalar) {
           }
 }
 
+TEST(TextureKernels, BlockPathVectorMatchesScalar) {
+#if !defined(ZVP_NO_X86)
+  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
+  zvp::setIsaCap(saved);
+  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  zt::Rng rng(105);
+  for (int t = 0; t < 20000; ++t) {
+    const int kind = t % 6;
+    alignas(16) uint8_t store[64 + 16];
+    uint8_t* px = store + (t % 13);  // any alignment
+    fillStrip(rng, px, 16, 1, kind);
+    if (t % 7 == 0)  // ties: few distinct values
+      for (int i = 0; i < 64; ++i) px[i] = static_cast<uint8_t>(px[i] & 0xC0);
+    uint8_t a[8], b[8];
+    zvp::tex::colourBlockScalar(px, a);
+    zvp::tex::colourBlockSSE41(px, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 8)) << t;
+    zvp::tex::alphaBlockRGBAScalar(px, a);
+    zvp::tex::alphaBlockRGBASSE41(px, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 8)) << t;
+    const int a0 = rng.uniform(0, 255), a1 = t % 3 ? rng.uniform(0, a0) : rng.uniform(0, 255);
+    zvp::tex::alphaIndicesScalar(px + 3, a0, a1, a);
+    zvp::tex::alphaIndicesSSE41(px + 3, a0, a1, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 8)) << t << " " << a0 << " " << a1;
+  }
+#endif
+}
+
 TEST(TextureKernels, WideRowScalarMatchesReference) {
   zt::Rng rng(102);
   for (int kind = 0; kind < 6; ++kind)
@@ -141,6 +170,14 @@ TEST(TextureKernels, EveryIsaGivesTheReferenceBytes) {
       std::vector<uint8_t> got(out);
       ASSERT_EQ(ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(img.data(), 4 * w, {w, h}, got.data()), zvpStatusOk);
       EXPECT_EQ(got, ref::tex::encodeImage(ref::tex::Fmt::DXT5, img.data(), w, h)) << w;
+      ASSERT_EQ(ownpj_TextureEncodeBlockFromRGBA_DXT1_8u_C4C1R(img.data(), 4 * w, {w, h}, got.data()), zvpStatusOk);
+      got.resize(out / 2);
+      EXPECT_EQ(got, ref::tex::encodeImage(ref::tex::Fmt::DXT1, img.data(), w, h)) << w;
+      got.resize(out);
+      ASSERT_EQ(ownpj_TextureEncodeBlockFromRGBA_DXT3_8u_C4C1R(img.data(), 4 * w, {w, h}, got.data()), zvpStatusOk);
+      EXPECT_EQ(got, ref::tex::encodeImage(ref::tex::Fmt::DXT3, img.data(), w, h)) << w;
+      ASSERT_EQ(ownpj_TextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(img.data(), 3 * w, {w, h}, got.data()), zvpStatusOk);
+      EXPECT_EQ(got, ref::tex::encodeImageYCoCg(img.data(), w, h)) << w;
     }
   }
   zvp::setIsaCap(saved);

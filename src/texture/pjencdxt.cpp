@@ -23,9 +23,13 @@ inline void store32(Zvp8u* p, uint32_t v) {
 
 inline int absd(int a, int b) { return a > b ? a - b : b - a; }
 
+}  // namespace
+
+namespace zvp::tex {
+
 // The colour half of a block (8 bytes): inset box, 5:6:5 ends, indices by
 // the strict distance rule.
-void encodeColour(const Zvp8u* pBlock, Zvp8u* pOut) {
+void colourBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
   int lo[3] = {255, 255, 255}, hi[3] = {0, 0, 0};
   for (int p = 0; p < 16; ++p)
     for (int ch = 0; ch < 3; ++ch) {
@@ -66,7 +70,7 @@ void encodeColour(const Zvp8u* pBlock, Zvp8u* pOut) {
 
 // The DXT5 alpha half (8 bytes) from ends a0, a1 and the alpha byte of each
 // pixel (`stride` bytes apart): seven thresholds, index by counting.
-void encodeAlphaThresholds(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp8u* pOut) {
+static void alphaThresholds(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp8u* pOut) {
   const int bias = (a0 - a1) / 14;
   int t[7];
   t[0] = (a1 + bias) & 0xFF;
@@ -85,6 +89,31 @@ void encodeAlphaThresholds(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp8
   for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(bits >> (8 * i));
 }
 
+void alphaIndicesScalar(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut) {
+  alphaThresholds(pAlpha16, 1, a0, a1, pOut);
+}
+
+void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
+  int lo = 255, hi = 0;
+  for (int p = 0; p < 16; ++p) {
+    lo = std::min<int>(lo, pBlock[4 * p + 3]);
+    hi = std::max<int>(hi, pBlock[4 * p + 3]);
+  }
+  const int inset = (hi - lo) >> 4;
+  alphaThresholds(pBlock + 3, 4, hi - inset, lo + inset, pOut);
+}
+
+BlockKernels blockKernels() {
+#if !defined(ZVP_NO_X86)
+  if (cpuIsa() >= Isa::SSE41) return {colourBlockSSE41, alphaBlockRGBASSE41, alphaIndicesSSE41};
+#endif
+  return {colourBlockScalar, alphaBlockRGBAScalar, alphaIndicesScalar};
+}
+
+}  // namespace zvp::tex
+
+namespace {
+
 // Copies block (bx, by) of a region of `bpp`-byte pixels into a contiguous
 // buffer, repeating the last real pixel of each row at the right edge and the
 // last real row at the bottom.
@@ -102,19 +131,12 @@ void gatherBlock(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, int bx, int by, i
   }
 }
 
-using BlockEncodeFn = void (*)(const Zvp8u*, Zvp8u*);
-
-ZvpStatus encodeRegion(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst, int blockBytes, BlockEncodeFn fn) {
-  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  Zvp8u block[64];
-  for (int by = 0; by < blocksY; ++by)
-    for (int bx = 0; bx < blocksX; ++bx) {
-      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
-      fn(block, pDst);
-      pDst += blockBytes;
-    }
-  return zvpStatusOk;
+void dxt3Alpha(const Zvp8u* pBlock, Zvp8u* pOut) {
+  for (int i = 0; i < 8; ++i)
+    pOut[i] = static_cast<Zvp8u>((pBlock[4 * (2 * i) + 3] >> 4) | (pBlock[4 * (2 * i + 1) + 3] & 0xF0));
 }
+
+void ycocgBlock(Zvp8u* pBlock, Zvp8u* pOut, zvp::tex::AlphaIndicesFn alpha);
 
 ZvpStatus checkEncode(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, const Zvp8u* pDst) {
   if (!pSrc || !pDst) return zvpStatusNullPointer;
@@ -124,23 +146,17 @@ ZvpStatus checkEncode(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, const Zvp8u*
 
 }  // namespace
 
-void encode_block_rgba_dxt1(const Zvp8u* pBlock, Zvp8u* pOut) { encodeColour(pBlock, pOut); }
+void encode_block_rgba_dxt1(const Zvp8u* pBlock, Zvp8u* pOut) { zvp::tex::blockKernels().colour(pBlock, pOut); }
 
 void encode_block_rgba_dxt3(const Zvp8u* pBlock, Zvp8u* pOut) {
-  for (int i = 0; i < 8; ++i)
-    pOut[i] = static_cast<Zvp8u>((pBlock[4 * (2 * i) + 3] >> 4) | (pBlock[4 * (2 * i + 1) + 3] & 0xF0));
-  encodeColour(pBlock, pOut + 8);
+  dxt3Alpha(pBlock, pOut);
+  zvp::tex::blockKernels().colour(pBlock, pOut + 8);
 }
 
 void encode_block_rgba_dxt5(const Zvp8u* pBlock, Zvp8u* pOut) {
-  int lo = 255, hi = 0;
-  for (int p = 0; p < 16; ++p) {
-    lo = std::min<int>(lo, pBlock[4 * p + 3]);
-    hi = std::max<int>(hi, pBlock[4 * p + 3]);
-  }
-  const int inset = (hi - lo) >> 4;
-  encodeAlphaThresholds(pBlock + 3, 4, hi - inset, lo + inset, pOut);
-  encodeColour(pBlock, pOut + 8);
+  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
+  k.alphaRGBA(pBlock, pOut);
+  k.colour(pBlock, pOut + 8);
 }
 
 namespace zvp::tex {
@@ -214,7 +230,11 @@ void ownpj_TextureEncodeBlockRowFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int sr
   zvp::tex::wideRow()(pSrc, srcStep, pDst, numBlocks);
 }
 
-void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) {
+void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) { ycocgBlock(pBlock, pOut, zvp::tex::blockKernels().alpha); }
+
+namespace {
+
+void ycocgBlock(Zvp8u* pBlock, Zvp8u* pOut, zvp::tex::AlphaIndicesFn alpha) {
   int mn[3] = {255, 255, 255}, mx[3] = {0, 0, 0};
   for (int p = 0; p < 16; ++p)
     for (int ch = 0; ch < 3; ++ch) {
@@ -261,20 +281,44 @@ void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) {
     indices |= (b0 | (b1 << 1)) << (2 * p);
   }
   store32(pOut + 12, indices);
-  encodeAlphaThresholds(pBlock, 3, mx[0], mn[0], pOut);
+  Zvp8u luma[16];
+  for (int p = 0; p < 16; ++p) luma[p] = pBlock[3 * p];
+  alpha(luma, mx[0], mn[0], pOut);
 }
 
+}  // namespace
+
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT1_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  return encodeRegion(pSrc, srcStep, roi, pDst, 8, encode_block_rgba_dxt1);
+  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
+  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
+  Zvp8u block[64];
+  for (int by = 0; by < blocksY; ++by)
+    for (int bx = 0; bx < blocksX; ++bx) {
+      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
+      k.colour(block, pDst);
+      pDst += 8;
+    }
+  return zvpStatusOk;
 }
 
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT3_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  return encodeRegion(pSrc, srcStep, roi, pDst, 16, encode_block_rgba_dxt3);
+  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
+  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
+  Zvp8u block[64];
+  for (int by = 0; by < blocksY; ++by)
+    for (int bx = 0; bx < blocksX; ++bx) {
+      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
+      dxt3Alpha(block, pDst);
+      k.colour(block, pDst + 8);
+      pDst += 16;
+    }
+  return zvpStatusOk;
 }
 
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
   const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
   const int wideBlocks = 4 * (roi.width / 16);
+  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
   Zvp8u block[64];
   for (int by = 0; by < blocksY; ++by) {
     int bx = 0;
@@ -285,7 +329,8 @@ ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int 
     }
     for (; bx < blocksX; ++bx) {
       gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
-      encode_block_rgba_dxt5(block, pDst);
+      k.alphaRGBA(block, pDst);
+      k.colour(block, pDst + 8);
       pDst += 16;
     }
   }
@@ -294,11 +339,12 @@ ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int 
 
 ZvpStatus ownpj_TextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
   const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
+  const zvp::tex::AlphaIndicesFn alpha = zvp::tex::blockKernels().alpha;
   Zvp8u block[48];
   for (int by = 0; by < blocksY; ++by)
     for (int bx = 0; bx < blocksX; ++bx) {
       gatherBlock(pSrc, srcStep, roi, bx, by, 3, block);
-      encode_block_ycocg_dxt5(block, pDst);
+      ycocgBlock(block, pDst, alpha);
       pDst += 16;
     }
   return zvpStatusOk;

@@ -1,7 +1,10 @@
-// SSE4.1 kernel of the wide DXT5 path: one block per turn, 4 rows of 16
-// bytes. Minimum and maximum by byte lanes, channel sums by multiply-add, the
-// position by one signed high multiply per pixel, indices by byte shuffle
-// and multiply-add packing. Gives the bytes of wideRowScalar.
+// SSE4.1 kernels of the DXT encoders. The block path: colour half of a
+// block by byte-lane minimum and maximum, distances by absolute differences
+// summed with multiply-add, the strict index tests by 16-bit compares; the
+// DXT5 alpha half by counting thresholds in byte lanes. The wide DXT5 path:
+// one block per turn, 4 rows of 16 bytes: minimum and maximum by byte lanes,
+// channel sums by multiply-add, the position by one signed high multiply per
+// pixel, indices by byte shuffle and multiply-add packing. Each kernel gives the bytes of its scalar twin.
 #if !defined(ZVP_NO_X86)
 #include <smmintrin.h>
 
@@ -86,7 +89,117 @@ void wideBlock(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
   for (int i = 0; i < 4; ++i) pOut[12 + i] = static_cast<Zvp8u>(cw >> (8 * i));
 }
 
+// Absolute difference of unsigned bytes.
+inline __m128i absdiff(__m128i a, __m128i b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
+
+// 16 2-bit values (bytes, pixel order) to one 32-bit word.
+inline uint32_t pack2(__m128i v) {
+  __m128i c = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0401)), _mm_set1_epi32(0x00100001));
+  c = _mm_packus_epi16(_mm_packus_epi32(c, c), c);
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(c));
+}
+
+// 16 3-bit values (bytes, pixel order) to 48 bits.
+inline uint64_t pack3(__m128i v) {
+  const __m128i a = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0801)), _mm_set1_epi32(0x00400001));
+  return static_cast<uint64_t>(static_cast<uint32_t>(_mm_cvtsi128_si32(a))) |
+         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 1))) << 12) |
+         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 2))) << 24) |
+         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 3))) << 36);
+}
+
+// Index of each pixel by counting the thresholds at or above its alpha.
+void alphaFromThresholds(__m128i alpha, int a0, int a1, Zvp8u* pOut) {
+  const int bias = (a0 - a1) / 14;
+  __m128i count = _mm_setzero_si128();
+  for (int k = 0; k < 7; ++k) {
+    const int t = k == 0 ? a1 + bias : ((7 - k) * a0 + k * a1) / 7 + bias;
+    const __m128i tv = _mm_set1_epi8(static_cast<char>(t & 0xFF));
+    count = _mm_sub_epi8(count, _mm_cmpeq_epi8(_mm_max_epu8(tv, alpha), tv));
+  }
+  // (n + 1) & 7 with 0 and 1 exchanged.
+  const __m128i idx = _mm_shuffle_epi8(_mm_setr_epi8(0, 2, 3, 4, 5, 6, 7, 1, 0, 0, 0, 0, 0, 0, 0, 0), count);
+  const uint64_t bits = pack3(idx);
+  pOut[0] = static_cast<Zvp8u>(a0);
+  pOut[1] = static_cast<Zvp8u>(a1);
+  for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(bits >> (8 * i));
+}
+
 }  // namespace
+
+void colourBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
+  const __m128i p0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock));
+  const __m128i p1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 16));
+  const __m128i p2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 32));
+  const __m128i p3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 48));
+  __m128i mn = _mm_min_epu8(_mm_min_epu8(p0, p1), _mm_min_epu8(p2, p3));
+  __m128i mx = _mm_max_epu8(_mm_max_epu8(p0, p1), _mm_max_epu8(p2, p3));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0x4E));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0x4E));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0xB1));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0xB1));
+  const uint32_t mnw = static_cast<uint32_t>(_mm_cvtsi128_si32(mn));
+  const uint32_t mxw = static_cast<uint32_t>(_mm_cvtsi128_si32(mx));
+  int lo[3], hi[3];
+  for (int ch = 0; ch < 3; ++ch) {
+    const int a = (mnw >> (8 * ch)) & 0xFF, b = (mxw >> (8 * ch)) & 0xFF;
+    hi[ch] = b - ((b - a) >> 4);
+    lo[ch] = a + ((b - a) >> 4);
+  }
+  const uint32_t w0 = static_cast<uint32_t>(((hi[0] >> 3) << 11) | ((hi[1] >> 2) << 5) | (hi[2] >> 3));
+  const uint32_t w1 = static_cast<uint32_t>(((lo[0] >> 3) << 11) | ((lo[1] >> 2) << 5) | (lo[2] >> 3));
+  int c[4][3];
+  for (int ch = 0; ch < 3; ++ch) {
+    const int mask = ch == 1 ? 0xFC : 0xF8, sh = ch == 1 ? 6 : 5;
+    c[0][ch] = (hi[ch] & mask) | (hi[ch] >> sh);
+    c[1][ch] = (lo[ch] & mask) | (lo[ch] >> sh);
+    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
+    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
+  }
+  // Sum of absolute R, G, B differences per pixel, 16 bits, pixels 0-7 and 8-15.
+  const __m128i ones = _mm_set1_epi32(0x00010101);
+  __m128i dLo[4], dHi[4];
+  for (int k = 0; k < 4; ++k) {
+    const __m128i ck = _mm_set1_epi32(c[k][0] | (c[k][1] << 8) | (c[k][2] << 16));
+    dLo[k] = _mm_hadd_epi16(_mm_maddubs_epi16(absdiff(p0, ck), ones), _mm_maddubs_epi16(absdiff(p1, ck), ones));
+    dHi[k] = _mm_hadd_epi16(_mm_maddubs_epi16(absdiff(p2, ck), ones), _mm_maddubs_epi16(absdiff(p3, ck), ones));
+  }
+  auto index = [](const __m128i* d) {
+    const __m128i b0 = _mm_and_si128(_mm_cmpgt_epi16(d[2], d[3]), _mm_cmpgt_epi16(d[0], d[3]));
+    const __m128i b1 = _mm_or_si128(_mm_and_si128(_mm_cmpgt_epi16(d[1], d[2]), _mm_cmpgt_epi16(d[0], d[2])),
+                                    _mm_and_si128(_mm_cmpgt_epi16(d[0], d[3]), _mm_cmpgt_epi16(d[1], d[3])));
+    return _mm_or_si128(_mm_and_si128(b0, _mm_set1_epi16(1)), _mm_and_si128(b1, _mm_set1_epi16(2)));
+  };
+  const uint32_t indices = pack2(_mm_packus_epi16(index(dLo), index(dHi)));
+  store16(pOut, w0);
+  store16(pOut + 2, w1);
+  for (int i = 0; i < 4; ++i) pOut[4 + i] = static_cast<Zvp8u>(indices >> (8 * i));
+}
+
+void alphaBlockRGBASSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
+  const __m128i pick = _mm_setr_epi8(3, 7, 11, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+  auto row = [&](int r) {
+    return _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 16 * r)), pick);
+  };
+  // The 16 alpha bytes in pixel order.
+  const __m128i a = _mm_or_si128(_mm_or_si128(row(0), _mm_slli_si128(row(1), 4)),
+                                 _mm_or_si128(_mm_slli_si128(row(2), 8), _mm_slli_si128(row(3), 12)));
+  __m128i mn = _mm_min_epu8(a, _mm_srli_si128(a, 8));
+  __m128i mx = _mm_max_epu8(a, _mm_srli_si128(a, 8));
+  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 4));
+  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 4));
+  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 2));
+  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 2));
+  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 1));
+  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 1));
+  const int lo = _mm_cvtsi128_si32(mn) & 0xFF, hi = _mm_cvtsi128_si32(mx) & 0xFF;
+  const int inset = (hi - lo) >> 4;
+  alphaFromThresholds(a, hi - inset, lo + inset, pOut);
+}
+
+void alphaIndicesSSE41(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut) {
+  alphaFromThresholds(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pAlpha16)), a0, a1, pOut);
+}
 
 void wideRowSSE41(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks) {
   for (int b = 0; b < numBlocks; ++b) wideBlock(pSrc + 16 * b, srcStep, pDst + 16 * b);

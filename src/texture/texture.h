@@ -47,6 +47,25 @@ void wideRowSSE41(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 void wideRowAVX2(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 WideRowFn wideRow();  // the dispatch point of the encoders
 
+// Kernels of the block path: the colour half of a block (8 bytes) from 16
+// contiguous RGBA pixels; the DXT5 alpha half (8 bytes) from them, inset
+// ends included; the DXT5 alpha half from 16 alpha bytes and given ends.
+using ColourBlockFn = void (*)(const Zvp8u* pBlock, Zvp8u* pOut);
+using AlphaBlockRGBAFn = void (*)(const Zvp8u* pBlock, Zvp8u* pOut);
+using AlphaIndicesFn = void (*)(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut);
+void colourBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut);
+void colourBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut);
+void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut);
+void alphaBlockRGBASSE41(const Zvp8u* pBlock, Zvp8u* pOut);
+void alphaIndicesScalar(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut);
+void alphaIndicesSSE41(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut);
+struct BlockKernels {
+  ColourBlockFn colour;
+  AlphaBlockRGBAFn alphaRGBA;
+  AlphaIndicesFn alpha;
+};
+BlockKernels blockKernels();  // the dispatch point of the block path
+
 // Wide-path per-pixel maps: raw colour position 0..3 to DXT index, raw alpha
 // position 0..7 to DXT5 alpha index.
 inline constexpr Zvp8u kColorRawToIndex[4] = {1, 3, 2, 0};
