@@ -1,6 +1,7 @@
-// Texture internals: the vector kernels of the wide DXT5 path against their
-// scalar twin, the single-block routines and the scalar-only library against
-// the reference models.
+// Texture internals: the vector kernels (wide DXT5 path, block-path
+// encoders, DXT decoders) against their scalar twins, and the single-block
+// routines and the library on every instruction-set cap against the
+// reference models.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -98,6 +99,32 @@ TEST(TextureKernels, BlockPathVectorMatchesScalar) {
 #endif
 }
 
+TEST(TextureKernels, DecoderVectorMatchesScalar) {
+#if !defined(ZVP_NO_X86)
+  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
+  zvp::setIsaCap(saved);
+  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  zt::Rng rng(106);
+  for (int t = 0; t < 20000; ++t) {
+    uint8_t blk[16];
+    rng.fill(blk, 16);
+    if (t % 4 == 1) { blk[2] = blk[0]; blk[3] = blk[1]; blk[10] = blk[8]; blk[11] = blk[9]; }  // equal ends
+    if (t % 4 == 2) std::swap(blk[0], blk[1]);
+    uint8_t a[64], b[64];
+    zvp::tex::dxt1BlockScalar(blk, a);
+    zvp::tex::dxt1BlockSSE41(blk, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 64)) << t;
+    zvp::tex::dxt3BlockScalar(blk, a);
+    zvp::tex::dxt3BlockSSE41(blk, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 64)) << t;
+    zvp::tex::dxt5BlockScalar(blk, a);
+    zvp::tex::dxt5BlockSSE41(blk, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 64)) << t;
+  }
+#endif
+}
+
 TEST(TextureKernels, WideRowScalarMatchesReference) {
   zt::Rng rng(102);
   for (int kind = 0; kind < 6; ++kind)
@@ -178,6 +205,14 @@ TEST(TextureKernels, EveryIsaGivesTheReferenceBytes) {
       EXPECT_EQ(got, ref::tex::encodeImage(ref::tex::Fmt::DXT3, img.data(), w, h)) << w;
       ASSERT_EQ(ownpj_TextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(img.data(), 3 * w, {w, h}, got.data()), zvpStatusOk);
       EXPECT_EQ(got, ref::tex::encodeImageYCoCg(img.data(), w, h)) << w;
+      // Decoders: the DXT5 blocks just made, and the DXT1 reading of them.
+      std::vector<uint8_t> px(static_cast<size_t>(w) * h * 4);
+      ASSERT_EQ(ownpj_TextureDecodeBlockToRGBA_DXT5_8u_C1C4R(got.data(), px.data(), 4 * w, {w, h}), zvpStatusOk);
+      EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::DXT5, got.data(), w, h));
+      ASSERT_EQ(ownpj_TextureDecodeBlockToRGBA_DXT3_8u_C1C4R(got.data(), px.data(), 4 * w, {w, h}), zvpStatusOk);
+      EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::DXT3, got.data(), w, h));
+      ASSERT_EQ(ownpj_TextureDecodeBlockToRGBA_DXT1_8u_C1C4R(got.data(), px.data(), 4 * w, {w, h}), zvpStatusOk);
+      EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::DXT1, got.data(), w, h));
     }
   }
   zvp::setIsaCap(saved);

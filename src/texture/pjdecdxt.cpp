@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/checks.h"
+#include "core/cpu.h"
 #include "core/parallel.h"
 #include "texture/texture.h"
 
@@ -15,9 +16,11 @@ inline uint32_t load32(const Zvp8u* p) {
          (static_cast<uint32_t>(p[3]) << 24);
 }
 
+}  // namespace
+
 // Colour table of four RGBA entries from the two 5:6:5 words at pColour;
-// `threeColour` selects the c0 <= c1 form of DXT1.
-void colourTable(const Zvp8u* pColour, bool dxt1, Zvp8u table[4][4]) {
+// `dxt1` allows the c0 <= c1 three-colour form.
+void zvp::tex::colourTable(const Zvp8u* pColour, bool dxt1, Zvp8u table[4][4]) {
   const uint16_t c0 = load16(pColour), c1 = load16(pColour + 2);
   const int e0[3] = {((c0 >> 11) & 31) << 3, ((c0 >> 5) & 63) << 2, (c0 & 31) << 3};
   const int e1[3] = {((c1 >> 11) & 31) << 3, ((c1 >> 5) & 63) << 2, (c1 & 31) << 3};
@@ -36,6 +39,10 @@ void colourTable(const Zvp8u* pColour, bool dxt1, Zvp8u table[4][4]) {
   for (int i = 0; i < 4; ++i) table[i][3] = 255;
 }
 
+namespace {
+
+using zvp::tex::colourTable;
+
 void colourPixels(const Zvp8u* pColour, bool dxt1, Zvp8u* pTile) {
   Zvp8u table[4][4];
   colourTable(pColour, dxt1, table);
@@ -44,6 +51,22 @@ void colourPixels(const Zvp8u* pColour, bool dxt1, Zvp8u* pTile) {
 }
 
 using BlockFn = void (*)(const Zvp8u*, Zvp8u*);
+
+}  // namespace
+
+void zvp::tex::alphaTable(int a0, int a1, Zvp8u alpha[8]) {
+  alpha[0] = static_cast<Zvp8u>(a0);
+  alpha[1] = static_cast<Zvp8u>(a1);
+  if (a0 > a1) {
+    for (int k = 1; k <= 6; ++k) alpha[k + 1] = static_cast<Zvp8u>(((7 - k) * a0 + k * a1 + 3) / 7);
+  } else {
+    for (int k = 1; k <= 4; ++k) alpha[k + 1] = static_cast<Zvp8u>(((5 - k) * a0 + k * a1 + 2) / 5);
+    alpha[6] = 0;
+    alpha[7] = 255;
+  }
+}
+
+namespace {
 
 // The region walk shared by the three decoders: blocks inside a multiple of
 // 16 columns of a full block row are stored whole, the others through the
@@ -76,9 +99,11 @@ ZvpStatus checkDecode(const Zvp8u* pSrc, const Zvp8u* pDst, int dstStep, ZvpiSiz
 
 }  // namespace
 
-void decode_block_dxt1_rgba(const Zvp8u* pBlock, Zvp8u* pTile) { colourPixels(pBlock, true, pTile); }
+namespace zvp::tex {
 
-void decode_block_dxt3_rgba(const Zvp8u* pBlock, Zvp8u* pTile) {
+void dxt1BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile) { colourPixels(pBlock, true, pTile); }
+
+void dxt3BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile) {
   colourPixels(pBlock + 8, false, pTile);
   for (int p = 0; p < 16; ++p) {
     const uint16_t word = load16(pBlock + 2 * (p >> 2));
@@ -86,32 +111,36 @@ void decode_block_dxt3_rgba(const Zvp8u* pBlock, Zvp8u* pTile) {
   }
 }
 
-void decode_block_dxt5_rgba(const Zvp8u* pBlock, Zvp8u* pTile) {
+void dxt5BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile) {
   colourPixels(pBlock + 8, false, pTile);
-  const int a0 = pBlock[0], a1 = pBlock[1];
   Zvp8u alpha[8];
-  alpha[0] = static_cast<Zvp8u>(a0);
-  alpha[1] = static_cast<Zvp8u>(a1);
-  if (a0 > a1) {
-    for (int k = 1; k <= 6; ++k) alpha[k + 1] = static_cast<Zvp8u>(((7 - k) * a0 + k * a1 + 3) / 7);
-  } else {
-    for (int k = 1; k <= 4; ++k) alpha[k + 1] = static_cast<Zvp8u>(((5 - k) * a0 + k * a1 + 2) / 5);
-    alpha[6] = 0;
-    alpha[7] = 255;
-  }
+  alphaTable(pBlock[0], pBlock[1], alpha);
   uint64_t bits = 0;
   for (int i = 0; i < 6; ++i) bits |= static_cast<uint64_t>(pBlock[2 + i]) << (8 * i);
   for (int p = 0; p < 16; ++p) pTile[4 * p + 3] = alpha[(bits >> (3 * p)) & 7];
 }
 
+DecodeKernels decodeKernels() {
+#if !defined(ZVP_NO_X86)
+  if (cpuIsa() >= Isa::SSE41) return {dxt1BlockSSE41, dxt3BlockSSE41, dxt5BlockSSE41};
+#endif
+  return {dxt1BlockScalar, dxt3BlockScalar, dxt5BlockScalar};
+}
+
+}  // namespace zvp::tex
+
+void decode_block_dxt1_rgba(const Zvp8u* pBlock, Zvp8u* pTile) { zvp::tex::decodeKernels().dxt1(pBlock, pTile); }
+void decode_block_dxt3_rgba(const Zvp8u* pBlock, Zvp8u* pTile) { zvp::tex::decodeKernels().dxt3(pBlock, pTile); }
+void decode_block_dxt5_rgba(const Zvp8u* pBlock, Zvp8u* pTile) { zvp::tex::decodeKernels().dxt5(pBlock, pTile); }
+
 ZvpStatus ownpj_TextureDecodeBlockToRGBA_DXT1_8u_C1C4R(const Zvp8u* pSrc, Zvp8u* pDst, int dstStep, ZvpiSize roi) {
-  return decodeRegion(pSrc, pDst, dstStep, roi, 8, decode_block_dxt1_rgba);
+  return decodeRegion(pSrc, pDst, dstStep, roi, 8, zvp::tex::decodeKernels().dxt1);
 }
 ZvpStatus ownpj_TextureDecodeBlockToRGBA_DXT3_8u_C1C4R(const Zvp8u* pSrc, Zvp8u* pDst, int dstStep, ZvpiSize roi) {
-  return decodeRegion(pSrc, pDst, dstStep, roi, 16, decode_block_dxt3_rgba);
+  return decodeRegion(pSrc, pDst, dstStep, roi, 16, zvp::tex::decodeKernels().dxt3);
 }
 ZvpStatus ownpj_TextureDecodeBlockToRGBA_DXT5_8u_C1C4R(const Zvp8u* pSrc, Zvp8u* pDst, int dstStep, ZvpiSize roi) {
-  return decodeRegion(pSrc, pDst, dstStep, roi, 16, decode_block_dxt5_rgba);
+  return decodeRegion(pSrc, pDst, dstStep, roi, 16, zvp::tex::decodeKernels().dxt5);
 }
 
 // Tests: pointers, then a step of exactly 0 (a negative step walks upward),

@@ -47,6 +47,24 @@ void wideRowSSE41(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 void wideRowAVX2(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks);
 WideRowFn wideRow();  // the dispatch point of the encoders
 
+// Decoder kernels: one DXT block to a 64-byte tile, and the tables they share.
+using DecodeBlockFn = void (*)(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt1BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt3BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt5BlockScalar(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt1BlockSSE41(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt3BlockSSE41(const Zvp8u* pBlock, Zvp8u* pTile);
+void dxt5BlockSSE41(const Zvp8u* pBlock, Zvp8u* pTile);
+struct DecodeKernels {
+  DecodeBlockFn dxt1, dxt3, dxt5;
+};
+DecodeKernels decodeKernels();  // the dispatch point of the decoders
+// Four RGBA entries from the 5:6:5 words at pColour (and the index word
+// after them); `dxt1` allows the three-colour form.
+void colourTable(const Zvp8u* pColour, bool dxt1, Zvp8u table[4][4]);
+// The eight DXT5 alphas of ends a0, a1.
+void alphaTable(int a0, int a1, Zvp8u alpha[8]);
+
 // Kernels of the block path: the colour half of a block (8 bytes) from 16
 // contiguous RGBA pixels; the DXT5 alpha half (8 bytes) from them, inset
 // ends included; the DXT5 alpha half from 16 alpha bytes and given ends.
