@@ -4,6 +4,7 @@
 // reference models.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -91,6 +92,17 @@ TEST(TextureKernels, BlockPathVectorMatchesScalar) {
     zvp::tex::alphaBlockRGBAScalar(px, a);
     zvp::tex::alphaBlockRGBASSE41(px, b);
     ASSERT_EQ(0, std::memcmp(a, b, 8)) << t;
+    // YCoCg: chroma around 128 at every scale, and far from it (wraps).
+    uint8_t y[48];
+    const int spread = (t / 6) % 4 == 0 ? 31 : (t / 6) % 4 == 1 ? 33 : (t / 6) % 4 == 2 ? 64 : 128;
+    for (int i = 0; i < 48; ++i)
+      y[i] = static_cast<uint8_t>(i % 3 == 0 ? px[i] : std::min(255, std::max(0, 128 + rng.uniform(-spread, spread))));
+    if (t % 11 == 0)
+      for (int i = 1; i < 48; i += 3) y[i] = y[i + 1] = static_cast<uint8_t>(rng.uniform(0, 3));
+    uint8_t ya[16], yb[16];
+    zvp::tex::ycocgBlockScalar(y, ya);
+    zvp::tex::ycocgBlockSSE41(y, yb);
+    ASSERT_EQ(0, std::memcmp(ya, yb, 16)) << t;
     const int a0 = rng.uniform(0, 255), a1 = t % 3 ? rng.uniform(0, a0) : rng.uniform(0, 255);
     zvp::tex::alphaIndicesScalar(px + 3, a0, a1, a);
     zvp::tex::alphaIndicesSSE41(px + 3, a0, a1, b);

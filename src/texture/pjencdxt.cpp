@@ -105,9 +105,9 @@ void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
 
 BlockKernels blockKernels() {
 #if !defined(ZVP_NO_X86)
-  if (cpuIsa() >= Isa::SSE41) return {colourBlockSSE41, alphaBlockRGBASSE41, alphaIndicesSSE41};
+  if (cpuIsa() >= Isa::SSE41) return {colourBlockSSE41, alphaBlockRGBASSE41, alphaIndicesSSE41, ycocgBlockSSE41};
 #endif
-  return {colourBlockScalar, alphaBlockRGBAScalar, alphaIndicesScalar};
+  return {colourBlockScalar, alphaBlockRGBAScalar, alphaIndicesScalar, ycocgBlockScalar};
 }
 
 }  // namespace zvp::tex
@@ -230,7 +230,13 @@ void ownpj_TextureEncodeBlockRowFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int sr
   zvp::tex::wideRow()(pSrc, srcStep, pDst, numBlocks);
 }
 
-void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) { ycocgBlock(pBlock, pOut, zvp::tex::blockKernels().alpha); }
+void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) { ycocgBlock(pBlock, pOut, zvp::tex::alphaIndicesScalar); }
+
+void zvp::tex::ycocgBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
+  Zvp8u copy[48];
+  std::memcpy(copy, pBlock, 48);
+  ycocgBlock(copy, pOut, alphaIndicesScalar);
+}
 
 namespace {
 
@@ -339,12 +345,12 @@ ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int 
 
 ZvpStatus ownpj_TextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
   const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  const zvp::tex::AlphaIndicesFn alpha = zvp::tex::blockKernels().alpha;
+  const zvp::tex::YCoCgBlockFn fn = zvp::tex::blockKernels().ycocg;
   Zvp8u block[48];
   for (int by = 0; by < blocksY; ++by)
     for (int bx = 0; bx < blocksX; ++bx) {
       gatherBlock(pSrc, srcStep, roi, bx, by, 3, block);
-      ycocgBlock(block, pDst, alpha);
+      fn(block, pDst);
       pDst += 16;
     }
   return zvpStatusOk;

@@ -125,7 +125,114 @@ void alphaFromThresholds(__m128i alpha, int a0, int a1, Zvp8u* pOut) {
   for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(bits >> (8 * i));
 }
 
+// Shuffle controls that gather channel c of 16 packed 3-byte pixels from
+// the three 16-byte loads s = 0, 1, 2.
+struct Gather3 {
+  alignas(16) int8_t c[3][3][16];
+};
+constexpr Gather3 makeGather3() {
+  Gather3 g{};
+  for (int c = 0; c < 3; ++c)
+    for (int src = 0; src < 3; ++src)
+      for (int p = 0; p < 16; ++p) {
+        const int at = 3 * p + c - 16 * src;
+        g.c[c][src][p] = static_cast<int8_t>(at >= 0 && at < 16 ? at : -1);
+      }
+  return g;
+}
+constexpr Gather3 kGather3 = makeGather3();
+
+inline __m128i gather3(const __m128i v[3], int c) {
+  __m128i r = _mm_setzero_si128();
+  for (int src = 0; src < 3; ++src)
+    r = _mm_or_si128(r, _mm_shuffle_epi8(v[src], _mm_load_si128(reinterpret_cast<const __m128i*>(kGather3.c[c][src]))));
+  return r;
+}
+
+inline int hmin(__m128i v) {
+  v = _mm_min_epu8(v, _mm_srli_si128(v, 8));
+  v = _mm_min_epu8(v, _mm_srli_si128(v, 4));
+  v = _mm_min_epu8(v, _mm_srli_si128(v, 2));
+  v = _mm_min_epu8(v, _mm_srli_si128(v, 1));
+  return _mm_cvtsi128_si32(v) & 0xFF;
+}
+inline int hmax(__m128i v) {
+  v = _mm_max_epu8(v, _mm_srli_si128(v, 8));
+  v = _mm_max_epu8(v, _mm_srli_si128(v, 4));
+  v = _mm_max_epu8(v, _mm_srli_si128(v, 2));
+  v = _mm_max_epu8(v, _mm_srli_si128(v, 1));
+  return _mm_cvtsi128_si32(v) & 0xFF;
+}
+
+// x >= m per unsigned byte, as all ones.
+inline __m128i geu8(__m128i x, __m128i m) { return _mm_cmpeq_epi8(_mm_max_epu8(x, m), x); }
+
 }  // namespace
+
+void ycocgBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
+  const __m128i v[3] = {_mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock)),
+                        _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 16)),
+                        _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 32))};
+  const __m128i y = gather3(v, 0);
+  __m128i co = gather3(v, 1), cg = gather3(v, 2);
+  const int mnY = hmin(y), mxY = hmax(y);
+  const int mnCo = hmin(co), mxCo = hmax(co), mnCg = hmin(cg), mxCg = hmax(cg);
+  auto dist = [](int x) { return x > 128 ? x - 128 : 128 - x; };
+  int q = dist(mxCo);
+  q = std::max(q, dist(mxCg));
+  q = std::max(q, dist(mnCo));
+  q = std::max(q, dist(mnCg));
+  const int scale = q < 32 ? 4 : (q < 64 ? 2 : 1);
+  // (scale (x - 128) + 128) mod 256, in byte lanes.
+  const __m128i bias = _mm_set1_epi8(static_cast<char>(0x80));
+  co = _mm_xor_si128(co, bias);
+  cg = _mm_xor_si128(cg, bias);
+  for (int s = scale; s > 1; s >>= 1) {
+    co = _mm_add_epi8(co, co);
+    cg = _mm_add_epi8(cg, cg);
+  }
+  co = _mm_xor_si128(co, bias);
+  cg = _mm_xor_si128(cg, bias);
+  const auto scaled = [scale](int x) { return static_cast<uint32_t>((scale * (x - 128) + 128) & 255); };
+  const uint32_t lCo = scaled(mnCo), hCo = scaled(mxCo), lCg = scaled(mnCg), hCg = scaled(mxCg);
+  const uint32_t loCo = ((16u * lCo + (hCo - lCo) - 7u) >> 4) & 0xFF;
+  const uint32_t hiCo = std::min<uint32_t>((16u * hCo - (hCo - lCo) + 7u) >> 4, 255u);
+  uint32_t loCg = ((16u * lCg + (hCg - lCg) - 7u) >> 4) & 0xFF;
+  uint32_t hiCg = std::min<uint32_t>((16u * hCg - (hCg - lCg) + 7u) >> 4, 255u);
+  const uint32_t eLoCo = (loCo & 0xF8) | (loCo >> 5), eHiCo = (hiCo & 0xF8) | (hiCo >> 5);
+  uint32_t eLoCg = (loCg & 0xFC) | (loCg >> 6), eHiCg = (hiCg & 0xFC) | (hiCg >> 6);
+  const uint32_t midCo = (eLoCo + eHiCo + 1) >> 1, midCg = (eLoCg + eHiCg + 1) >> 1;
+  const __m128i off = _mm_xor_si128(geu8(co, _mm_set1_epi8(static_cast<char>(midCo))),
+                                    geu8(cg, _mm_set1_epi8(static_cast<char>(midCg))));
+  if (__builtin_popcount(static_cast<unsigned>(_mm_movemask_epi8(off))) > 8) {
+    std::swap(loCg, hiCg);
+    std::swap(eLoCg, eHiCg);
+  }
+  const uint32_t blue = static_cast<uint32_t>(scale - 1);
+  store16(pOut + 8, ((hiCo >> 3) << 11) | ((hiCg >> 2) << 5) | blue);
+  store16(pOut + 10, ((loCo >> 3) << 11) | ((loCg >> 2) << 5) | blue);
+  int c[4][2] = {{static_cast<int>(eHiCo), static_cast<int>(eHiCg)}, {static_cast<int>(eLoCo), static_cast<int>(eLoCg)}};
+  for (int ch = 0; ch < 2; ++ch) {
+    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
+    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
+  }
+  const __m128i ones = _mm_set1_epi8(1);
+  __m128i dLo[4], dHi[4];
+  for (int k = 0; k < 4; ++k) {
+    const __m128i aCo = absdiff(co, _mm_set1_epi8(static_cast<char>(c[k][0])));
+    const __m128i aCg = absdiff(cg, _mm_set1_epi8(static_cast<char>(c[k][1])));
+    dLo[k] = _mm_maddubs_epi16(_mm_unpacklo_epi8(aCo, aCg), ones);
+    dHi[k] = _mm_maddubs_epi16(_mm_unpackhi_epi8(aCo, aCg), ones);
+  }
+  auto index = [](const __m128i* d) {
+    const __m128i b0 = _mm_and_si128(_mm_cmpgt_epi16(d[0], d[3]), _mm_cmpgt_epi16(d[1], d[3]));
+    const __m128i b1 = _mm_or_si128(_mm_and_si128(_mm_cmpgt_epi16(d[1], d[2]), _mm_cmpgt_epi16(d[0], d[2])), b0);
+    return _mm_or_si128(_mm_and_si128(b0, _mm_set1_epi16(1)), _mm_and_si128(b1, _mm_set1_epi16(2)));
+  };
+  const uint32_t indices = pack2(_mm_packus_epi16(index(dLo), index(dHi)));
+  for (int i = 0; i < 4; ++i) pOut[12 + i] = static_cast<Zvp8u>(indices >> (8 * i));
+  alphaFromThresholds(y, mxY, mnY, pOut);
+}
 
 void colourBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
   const __m128i p0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock));

@@ -77,10 +77,16 @@ void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut);
 void alphaBlockRGBASSE41(const Zvp8u* pBlock, Zvp8u* pOut);
 void alphaIndicesScalar(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut);
 void alphaIndicesSSE41(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut);
+// The whole YCoCg block (16 bytes out) from 48 bytes; the buffer is read
+// only (encode_block_ycocg_dxt5 itself also rewrites the chroma bytes).
+using YCoCgBlockFn = void (*)(const Zvp8u* pBlock, Zvp8u* pOut);
+void ycocgBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut);
+void ycocgBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut);
 struct BlockKernels {
   ColourBlockFn colour;
   AlphaBlockRGBAFn alphaRGBA;
   AlphaIndicesFn alpha;
+  YCoCgBlockFn ycocg;
 };
 BlockKernels blockKernels();  // the dispatch point of the block path
 
