@@ -137,6 +137,26 @@ TEST(TextureKernels, DecoderVectorMatchesScalar) {
 #endif
 }
 
+TEST(TextureKernels, Bc7InterpolationVectorMatchesScalar) {
+#if !defined(ZVP_NO_X86)
+  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
+  zvp::setIsaCap(saved);
+  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  zt::Rng rng(107);
+  for (int t = 0; t < 5000; ++t) {
+    alignas(16) uint8_t e0[64], e1[64], w[64], a[64], b[64];
+    rng.fill(e0, 64);
+    rng.fill(e1, 64);
+    for (int i = 0; i < 64; ++i) w[i] = static_cast<uint8_t>(t % 5 == 0 ? 64 * (i & 1) : rng.uniform(0, 64));
+    if (t % 7 == 0) std::memset(e1, 255, 64);
+    zvp::tex::bc7InterpolateScalar(e0, e1, w, a);
+    zvp::tex::bc7InterpolateSSE41(e0, e1, w, b);
+    ASSERT_EQ(0, std::memcmp(a, b, 64)) << t;
+  }
+#endif
+}
+
 TEST(TextureKernels, WideRowScalarMatchesReference) {
   zt::Rng rng(102);
   for (int kind = 0; kind < 6; ++kind)
@@ -225,6 +245,13 @@ TEST(TextureKernels, EveryIsaGivesTheReferenceBytes) {
       EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::DXT3, got.data(), w, h));
       ASSERT_EQ(ownpj_TextureDecodeBlockToRGBA_DXT1_8u_C1C4R(got.data(), px.data(), 4 * w, {w, h}), zvpStatusOk);
       EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::DXT1, got.data(), w, h));
+      // BC7: the same bytes as random blocks of every mode.
+      for (size_t i = 0; i < got.size(); i += 16) {
+        const int mode = static_cast<int>((i / 16) % 9);
+        got[i] = mode == 8 ? 0 : static_cast<uint8_t>((got[i] << (mode + 1)) | (1u << mode));
+      }
+      ASSERT_EQ(ownpj_TextureDecodeBlockToRGBA_BC7_8u_C1C4R(got.data(), px.data(), 4 * w, {w, h}), zvpStatusOk);
+      EXPECT_EQ(px, ref::tex::decodeImage(ref::tex::Fmt::BC7, got.data(), w, h));
     }
   }
   zvp::setIsaCap(saved);

@@ -4,7 +4,10 @@
 // channel is interpolated as (e0 (64 - w) + e1 w + 32) >> 6.
 #include <cstring>
 
+#include <utility>
+
 #include "core/checks.h"
+#include "core/cpu.h"
 #include "core/parallel.h"
 #include "texture/texture.h"
 
@@ -130,9 +133,7 @@ void readIndices(BitReader& br, int bits, const bool anchor[16], uint32_t out[16
   for (int i = 0; i < 16; ++i) out[i] = br.get(anchor[i] ? bits - 1 : bits);
 }
 
-}  // namespace
-
-const Zvp8u* decode_block_bc7_rgba(const Zvp8u* pBlock, Zvp8u* pDst, int dstStep) {
+const Zvp8u* decodeBlock(const Zvp8u* pBlock, Zvp8u* pDst, int dstStep, zvp::tex::Bc7InterpolateFn interp) {
   const uint32_t mode = modeMap[pBlock[0]];
   if (mode > 7) {
     for (int r = 0; r < 4; ++r) std::memset(zvp::rowPtr(pDst, dstStep, r), 0, 16);
@@ -185,49 +186,79 @@ const Zvp8u* decode_block_bc7_rgba(const Zvp8u* pBlock, Zvp8u* pDst, int dstStep
 
   uint32_t idx[16], idx2[16];
   readIndices(br, m.indexBits, anchor, idx);
-  Zvp8u px[16][4];
+  // Per pixel and channel (R G B A, pixel order): the two endpoints and the
+  // weight; then one interpolation pass over the 64 bytes.
+  alignas(16) Zvp8u e0[64], e1[64], wt[64];
   if (m.subsets == 1 && m.index2Bits) {
-    // Modes 4 and 5: a second index set; the selector and the rotation
-    // assign sets and endpoints to output channels.
+    // Modes 4 and 5: a second index set; the selector chooses the roles of
+    // the sets, and the rotation exchanges output channel rotation - 1 with
+    // alpha: it takes the A endpoints with the alpha index, and output A
+    // that channel's endpoints with the colour index.
     const bool single[16] = {true};
     readIndices(br, m.index2Bits, single, idx2);
     const uint32_t* colourIdx = selector ? idx2 : idx;
     const uint32_t* alphaIdx = selector ? idx : idx2;
     const int colourW = selector ? m.index2Bits : m.indexBits;
     const int alphaW = selector ? m.indexBits : m.index2Bits;
+    int src[4] = {0, 1, 2, 3};
+    if (rotation) std::swap(src[rotation - 1], src[3]);
     for (int i = 0; i < 16; ++i) {
-      const uint16_t wc = interW[colourW - 2][colourIdx[i]];
-      const uint16_t wa = interW[alphaW - 2][alphaIdx[i]];
-      for (int ch = 0; ch < 3; ++ch) px[i][ch] = interpolate(ep[ch][0], ep[ch][1], wc);
-      px[i][3] = interpolate(ep[3][0], ep[3][1], wa);
-      if (rotation) {
-        // Output channel rotation-1 takes the A endpoints with the alpha
-        // index; output A takes that channel's endpoints with the colour index.
-        const int c = static_cast<int>(rotation) - 1;
-        px[i][c] = interpolate(ep[3][0], ep[3][1], wa);
-        px[i][3] = interpolate(ep[c][0], ep[c][1], wc);
+      const Zvp8u wc = static_cast<Zvp8u>(interW[colourW - 2][colourIdx[i]]);
+      const Zvp8u wa = static_cast<Zvp8u>(interW[alphaW - 2][alphaIdx[i]]);
+      for (int ch = 0; ch < 4; ++ch) {
+        e0[4 * i + ch] = static_cast<Zvp8u>(ep[src[ch]][0]);
+        e1[4 * i + ch] = static_cast<Zvp8u>(ep[src[ch]][1]);
+        wt[4 * i + ch] = src[ch] == 3 ? wa : wc;
       }
     }
   } else {
     const uint16_t* w = interW[m.indexBits - 2];
     for (int i = 0; i < 16; ++i) {
       const uint32_t s = subset[i];
-      for (int ch = 0; ch < 4; ++ch) px[i][ch] = interpolate(ep[ch][2 * s], ep[ch][2 * s + 1], w[idx[i]]);
+      for (int ch = 0; ch < 4; ++ch) {
+        e0[4 * i + ch] = static_cast<Zvp8u>(ep[ch][2 * s]);
+        e1[4 * i + ch] = static_cast<Zvp8u>(ep[ch][2 * s + 1]);
+        wt[4 * i + ch] = static_cast<Zvp8u>(w[idx[i]]);
+      }
     }
   }
-  for (int r = 0; r < 4; ++r) std::memcpy(zvp::rowPtr(pDst, dstStep, r), px[4 * r], 16);
+  alignas(16) Zvp8u px[64];
+  interp(e0, e1, wt, px);
+  for (int r = 0; r < 4; ++r) std::memcpy(zvp::rowPtr(pDst, dstStep, r), px + 16 * r, 16);
   return pBlock + 16;
+}
+
+}  // namespace
+
+namespace zvp::tex {
+
+void bc7InterpolateScalar(const Zvp8u* e0, const Zvp8u* e1, const Zvp8u* w, Zvp8u* out) {
+  for (int i = 0; i < 64; ++i) out[i] = interpolate(e0[i], e1[i], w[i]);
+}
+
+Bc7InterpolateFn bc7Interpolate() {
+#if !defined(ZVP_NO_X86)
+  if (cpuIsa() >= Isa::SSE41) return bc7InterpolateSSE41;
+#endif
+  return bc7InterpolateScalar;
+}
+
+}  // namespace zvp::tex
+
+const Zvp8u* decode_block_bc7_rgba(const Zvp8u* pBlock, Zvp8u* pDst, int dstStep) {
+  return decodeBlock(pBlock, pDst, dstStep, zvp::tex::bc7Interpolate());
 }
 
 ZvpStatus ownpj_TextureDecodeBlockToRGBA_BC7_8u_C1C4R(const Zvp8u* pSrc, Zvp8u* pDst, int dstStep, ZvpiSize roi) {
   const int fullCols = roi.width / 4, restCols = roi.width % 4;
   const int fullRows = roi.height / 4, restRows = roi.height % 4;
+  const zvp::tex::Bc7InterpolateFn interp = zvp::tex::bc7Interpolate();
   Zvp8u tile[64];
   for (int by = 0; by < fullRows; ++by) {
     Zvp8u* row = zvp::rowPtr(pDst, dstStep, 4 * by);
-    for (int bx = 0; bx < fullCols; ++bx) pSrc = decode_block_bc7_rgba(pSrc, row + 16 * bx, dstStep);
+    for (int bx = 0; bx < fullCols; ++bx) pSrc = decodeBlock(pSrc, row + 16 * bx, dstStep, interp);
     if (restCols) {
-      pSrc = decode_block_bc7_rgba(pSrc, tile, 16);
+      pSrc = decodeBlock(pSrc, tile, 16, interp);
       for (int r = 0; r < 4; ++r)
         std::memcpy(zvp::rowPtr(row, dstStep, r) + 16 * fullCols, tile + 16 * r, static_cast<size_t>(4 * restCols));
     }
@@ -236,7 +267,7 @@ ZvpStatus ownpj_TextureDecodeBlockToRGBA_BC7_8u_C1C4R(const Zvp8u* pSrc, Zvp8u* 
     Zvp8u* row = zvp::rowPtr(pDst, dstStep, 4 * fullRows);
     const int blocksX = fullCols + (restCols ? 1 : 0);
     for (int bx = 0; bx < blocksX; ++bx) {
-      pSrc = decode_block_bc7_rgba(pSrc, tile, 16);
+      pSrc = decodeBlock(pSrc, tile, 16, interp);
       const int cols = bx < fullCols ? 4 : restCols;
       for (int r = 0; r < restRows; ++r)
         std::memcpy(zvp::rowPtr(row, dstStep, r) + 16 * bx, tile + 16 * r, static_cast<size_t>(4 * cols));

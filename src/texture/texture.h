@@ -65,6 +65,12 @@ void colourTable(const Zvp8u* pColour, bool dxt1, Zvp8u table[4][4]);
 // The eight DXT5 alphas of ends a0, a1.
 void alphaTable(int a0, int a1, Zvp8u alpha[8]);
 
+// BC7 interpolation of 64 channel values: (e0 (64 - w) + e1 w + 32) >> 6.
+using Bc7InterpolateFn = void (*)(const Zvp8u* e0, const Zvp8u* e1, const Zvp8u* w, Zvp8u* out);
+void bc7InterpolateScalar(const Zvp8u* e0, const Zvp8u* e1, const Zvp8u* w, Zvp8u* out);
+void bc7InterpolateSSE41(const Zvp8u* e0, const Zvp8u* e1, const Zvp8u* w, Zvp8u* out);
+Bc7InterpolateFn bc7Interpolate();  // the dispatch point of the BC7 decoder
+
 // Kernels of the block path: the colour half of a block (8 bytes) from 16
 // contiguous RGBA pixels; the DXT5 alpha half (8 bytes) from them, inset
 // ends included; the DXT5 alpha half from 16 alpha bytes and given ends.
