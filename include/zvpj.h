@@ -1387,8 +1387,9 @@ ZVPJ_API ZvpStatus zvpiTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R(const Zvp8u* pSr
 /* Encodes RGBA pixels into DXT3 blocks. */
 ZVPJ_API ZvpStatus zvpiTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roiSize,
                                                                 Zvp8u* pDst);
-/* Encodes RGBA pixels into DXT5 blocks. Not reentrant for regions 16 or more
-   pixels wide (a shared working store is used). */
+/* Encodes RGBA pixels into DXT5 blocks. Regions 16 or more pixels wide take
+   the wide path, two blocks at a time; its working store is per call, so the
+   function is reentrant like every other. */
 ZVPJ_API ZvpStatus zvpiTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roiSize,
                                                                 Zvp8u* pDst);
 
