@@ -6,8 +6,8 @@
 // its header; output already written stays. A repeat header that is the
 // last byte of the input reads the byte at index srcLenBytes: the caller
 // keeps that byte readable.
-#include "core/memory.h"
 #include "sample/pjrle.h"
+
 
 ZvpStatus owniUnpackBitsRow_TIFF_8u_C1(const Zvp8u* pSrc, int* pSrcCurrPos, int srcLenBytes, Zvp8u* pDst,
                                        int dstLenBytes) {
@@ -28,7 +28,7 @@ ZvpStatus owniUnpackBitsRow_TIFF_8u_C1(const Zvp8u* pSrc, int* pSrcCurrPos, int 
         *pSrcCurrPos = static_cast<int>(pos);
         return zvpStatusUnderRun;
       }
-      zvpsSet_8u(pSrc[pos], pDst + out, count);
+      zvp::rle::fillToken(pSrc[pos], pDst + out, count);
       out += count;
       ++pos;
     } else {
@@ -37,7 +37,7 @@ ZvpStatus owniUnpackBitsRow_TIFF_8u_C1(const Zvp8u* pSrc, int* pSrcCurrPos, int 
         *pSrcCurrPos = static_cast<int>(pos);
         return zvpStatusUnderRun;
       }
-      zvpsCopy_8u(pSrc + pos, pDst + out, count);
+      zvp::rle::copyToken(pSrc + pos, pDst + out, count);
       out += count;
       pos += count;
     }

@@ -8,7 +8,6 @@
 // token. The scanners that find token ends have a vector form; token
 // boundaries never depend on it.
 #include "core/cpu.h"
-#include "core/memory.h"
 #include "sample/pjrle.h"
 
 namespace zvp::rle {
@@ -64,7 +63,7 @@ ZvpStatus packBitsRow(const Scanners& sc, const Zvp8u* pSrc, int srcLenBytes, Zv
         return zvpStatusUnderRun;
       }
       pDst[pos] = static_cast<Zvp8u>(n - 1);
-      ownsCopy_8u(pSrc + i, pDst + pos + 1, n);
+      copyToken(pSrc + i, pDst + pos + 1, n);
       pos += n + 1;
       i += n;
     }

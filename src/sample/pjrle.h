@@ -2,6 +2,9 @@
 // Internal workers (no argument tests) and the kernels behind them.
 #pragma once
 
+#include <cstdint>
+#include <cstring>
+
 #include "zvpj.h"
 
 // Encoder worker with the arguments of zvpiPackBitsRow_TIFF_8u_C1.
@@ -52,5 +55,53 @@ void splitAVX2(const Zvp8u* src, Zvp8u* lo, Zvp8u* hi, int len);
 #endif
 JoinFn joinRow();
 SplitFn splitRow();
+
+// A token holds 1 to 128 bytes: it is moved inline in 16-byte pieces, the
+// last piece overlapping the one before (8 and 4 bytes for short tokens), so
+// that not a byte beyond the token is written. Calls of the general copy and
+// fill services cost more than the token itself on photo-like rows.
+inline void copyToken(const Zvp8u* s, Zvp8u* d, int n) {
+  if (n > 16) {
+    unsigned char a[16], b[16];
+    for (int i = 0; i + 16 < n; i += 16) {
+      std::memcpy(a, s + i, 16);
+      std::memcpy(d + i, a, 16);
+    }
+    std::memcpy(b, s + n - 16, 16);
+    std::memcpy(d + n - 16, b, 16);
+  } else if (n >= 8) {
+    uint64_t a, b;
+    std::memcpy(&a, s, 8);
+    std::memcpy(&b, s + n - 8, 8);
+    std::memcpy(d, &a, 8);
+    std::memcpy(d + n - 8, &b, 8);
+  } else if (n >= 4) {
+    uint32_t a, b;
+    std::memcpy(&a, s, 4);
+    std::memcpy(&b, s + n - 4, 4);
+    std::memcpy(d, &a, 4);
+    std::memcpy(d + n - 4, &b, 4);
+  } else {
+    for (int i = 0; i < n; ++i) d[i] = s[i];
+  }
+}
+
+inline void fillToken(Zvp8u v, Zvp8u* d, int n) {
+  const uint64_t w = 0x0101010101010101ull * v;
+  if (n > 16) {
+    const uint64_t w2[2] = {w, w};
+    for (int i = 0; i + 16 < n; i += 16) std::memcpy(d + i, w2, 16);
+    std::memcpy(d + n - 16, w2, 16);
+  } else if (n >= 8) {
+    std::memcpy(d, &w, 8);
+    std::memcpy(d + n - 8, &w, 8);
+  } else if (n >= 4) {
+    std::memcpy(d, &w, 4);
+    std::memcpy(d + n - 4, &w, 4);
+  } else {
+    for (int i = 0; i < n; ++i) d[i] = v;
+  }
+}
+
 
 }  // namespace zvp::rle
