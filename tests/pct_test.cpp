@@ -248,6 +248,11 @@ TEST(PCT, GenericMemberChecksInOrder) {
     EXPECT_EQ(fn(buf.data(), 64, {8, 1}), zvpStatusBadSize);
     EXPECT_EQ(fn(buf.data(), 31, {8, 8}), zvpStatusBadStep);
     EXPECT_EQ(fn(buf.data(), 0, {8, 8}), zvpStatusBadStep);
+    // A negative step is a large unsigned one, but four bytes per column
+    // are counted without wrap: 2^30 columns need more than any step.
+    EXPECT_EQ(fn(buf.data(), 64, {1 << 30, 4}), zvpStatusBadStep);
+    EXPECT_EQ(fn(buf.data(), -1, {1 << 30, 4}), zvpStatusBadStep);
+    EXPECT_EQ(fn(buf.data(), -1, {INT32_MAX, 4}), zvpStatusBadStep);
     EXPECT_EQ(buf, orig);
   }
 }

@@ -210,11 +210,14 @@ inline ZvpStatus checkFixed(const Zvp32s* p, int step, int width) {
   return zvpStatusOk;
 }
 
-// Generic members: null, size below 1, step (unsigned), size not a multiple of 4.
+// Generic members: null, size below 1, step (unsigned), size not a multiple
+// of 4. Four bytes per column are counted without wrap, so a width of 2^30
+// or more needs more than any step can give.
 inline ZvpStatus checkGeneric(const Zvp32s* p, int step, ZvpiSize roi) {
   if (!p) return zvpStatusNullPointer;
   if (roi.width < 1 || roi.height < 1) return zvpStatusBadSize;
-  if (static_cast<uint32_t>(step) < 4u * static_cast<uint32_t>(roi.width)) return zvpStatusBadStep;
+  if (static_cast<uint64_t>(static_cast<uint32_t>(step)) < 4u * static_cast<uint64_t>(roi.width))
+    return zvpStatusBadStep;
   if ((roi.width & 3) || (roi.height & 3)) return zvpStatusBadSize;
   return zvpStatusOk;
 }
