@@ -239,17 +239,17 @@ TEST(SamplingArgs, RegionOrderSourceThenDestination) {
       return callRegion(k, ps, ss, sr, pd, ds, dr);
     };
     EXPECT_EQ(c(nullptr, 0, bad, nullptr, 0, bad), zvpStatusNullPointer);
-    EXPECT_EQ(c(s.data() + 8, 0, bad, nullptr, 0, bad), zvpStatusBadStep);
-    EXPECT_EQ(c(s.data() + 8, 8, bad, nullptr, 0, bad), zvpStatusBadSize);
-    EXPECT_EQ(c(s.data() + 8, 8, {2, 0}, nullptr, 0, bad), zvpStatusBadSize);
-    EXPECT_EQ(c(s.data() + 8, 8, ok, nullptr, 0, bad), zvpStatusNullPointer);
-    EXPECT_EQ(c(s.data() + 8, 8, ok, d.data(), 0, bad), zvpStatusBadStep);
-    EXPECT_EQ(c(s.data() + 8, 8, ok, d.data(), -1, ok), zvpStatusBadStep);
-    EXPECT_EQ(c(s.data() + 8, 8, ok, d.data(), 8, bad), zvpStatusBadSize);
-    EXPECT_EQ(c(s.data() + 8, 8, ok, d.data(), 8, {2, -1}), zvpStatusBadSize);
+    EXPECT_EQ(c(s.data() + 9, 0, bad, nullptr, 0, bad), zvpStatusBadStep);
+    EXPECT_EQ(c(s.data() + 9, 8, bad, nullptr, 0, bad), zvpStatusBadSize);
+    EXPECT_EQ(c(s.data() + 9, 8, {2, 0}, nullptr, 0, bad), zvpStatusBadSize);
+    EXPECT_EQ(c(s.data() + 9, 8, ok, nullptr, 0, bad), zvpStatusNullPointer);
+    EXPECT_EQ(c(s.data() + 9, 8, ok, d.data(), 0, bad), zvpStatusBadStep);
+    EXPECT_EQ(c(s.data() + 9, 8, ok, d.data(), -1, ok), zvpStatusBadStep);
+    EXPECT_EQ(c(s.data() + 9, 8, ok, d.data(), 8, bad), zvpStatusBadSize);
+    EXPECT_EQ(c(s.data() + 9, 8, ok, d.data(), 8, {2, -1}), zvpStatusBadSize);
     for (uint8_t v : d) EXPECT_EQ(v, 9);
     // Source size only needs to be positive; a mismatch is not found.
-    EXPECT_EQ(c(s.data() + 8, 8, {1, 1}, d.data(), 8, {2, 2}), zvpStatusOk) << kNames[k];
+    EXPECT_EQ(c(s.data() + 9, 8, {1, 1}, d.data(), 8, {2, 2}), zvpStatusOk) << kNames[k];
   }
 }
 
