@@ -12,6 +12,9 @@
 #include "sample/colour.h"
 
 namespace zvp::cc::sse {
+// Internal linkage: the AVX2 files include these helpers too, compiled with
+// other flags, and the two copies must never be merged.
+namespace {
 
 // Groups of 8 pixels, then one group of 4 if n leaves one (n a multiple of 4).
 template <class F>
@@ -146,4 +149,72 @@ inline void store4(Zvp8u* p, __m128i c0, __m128i c1, __m128i c2, __m128i c3) {
   if constexpr (N == 8) _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 16), _mm_unpackhi_epi16(a, b));
 }
 
+// ------------------------------------------------------- the sets, 8 wide --
+
+struct Rgb16 {
+  __m128i r, g, b;
+};
+
+template <int N>
+inline Rgb16 setA(const Zvp8u* py, const Zvp8u* pcb, const Zvp8u* pcr) {
+  const __m128i y = load8u<N>(py), cb = load8u<N>(pcb), cr = load8u<N>(pcr), z = _mm_setzero_si128();
+  const __m128i dR = lin3<14>(cr, z, z, 22970, 0, 0, -2932015);
+  const __m128i dG = lin3<14>(cb, cr, z, 5638, 11700, 0, -2211182);
+  const __m128i dB = lin3<14>(cb, z, z, 29032, 0, 0, -3708561);
+  return {_mm_add_epi16(y, dR), _mm_sub_epi16(y, dG), _mm_add_epi16(y, dB)};
+}
+
+template <int N>
+inline Rgb16 setB(const Zvp8u* py, const Zvp8u* pcb, const Zvp8u* pcr) {
+  const __m128i y = load8u<N>(py), cb = load8u<N>(pcb), cr = load8u<N>(pcr), z = _mm_setzero_si128();
+  const __m128i dR = lin3<14>(cr, z, z, 22970, 0, 0, -2932015);
+  const __m128i dG = lin3<14>(cb, cr, z, -5638, -11700, 0, 2227566);
+  const __m128i dB = lin3<14>(cb, z, z, 29032, 0, 0, -3707961);
+  return {_mm_add_epi16(y, dR), _mm_add_epi16(y, dG), _mm_add_epi16(y, dB)};
+}
+
+// Lanes limited to 0..255 (the clip of the sets).
+inline __m128i clip16(__m128i v) { return _mm_min_epi16(_mm_max_epi16(v, _mm_setzero_si128()), _mm_set1_epi16(255)); }
+
+struct Ycc16 {
+  __m128i y, cb, cr;
+};
+
+inline Ycc16 set15(__m128i r, __m128i g, __m128i b) {
+  return {lin3<15>(r, g, b, 9798, 19235, 3736, 16266), lin3<15>(r, g, b, -5529, -10855, 16384, 4210688),
+          lin3<15>(r, g, b, 16384, -13720, -2664, 4210704)};
+}
+inline Ycc16 set14(__m128i r, __m128i g, __m128i b) {
+  return {lin3<14>(r, g, b, 4899, 9617, 1868, 8192), lin3<14>(r, g, b, -2764, -5428, 8192, 2105344),
+          lin3<14>(r, g, b, 8192, -6860, -1332, 2105344)};
+}
+template <int N>
+inline void storeYcc(Zvp8u* y, Zvp8u* cb, Zvp8u* cr, const Ycc16& v) {
+  store16as8<N>(y, v.y), store16as8<N>(cb, v.cb), store16as8<N>(cr, v.cr);
+}
+
+// 32-bit float lanes of the float set; rounding to nearest even.
+inline __m128i greyFloat4(__m128i r, __m128i g, __m128i b) {
+  const __m128 v = _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_cvtepi32_ps(r), _mm_set1_ps(0.299f)),
+                                         _mm_mul_ps(_mm_cvtepi32_ps(g), _mm_set1_ps(0.587f))),
+                              _mm_mul_ps(_mm_cvtepi32_ps(b), _mm_set1_ps(0.114f)));
+  return _mm_cvtps_epi32(v);
+}
+
+// Difference set. 38470 G does not fit a 16-bit factor: it enters as
+// 19235 G twice, paired once with R and once with B.
+inline Ycc16 diffSet(__m128i r, __m128i g, __m128i b) {
+  const __m128i crg = _mm_set1_epi32(static_cast<int32_t>((19235u << 16) | 19595u));
+  const __m128i cgb = _mm_set1_epi32(static_cast<int32_t>((7471u << 16) | 19235u));
+  const __m128i k = _mm_set1_epi32(32768);
+  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(r, g), crg),
+                                                                _mm_madd_epi16(_mm_unpacklo_epi16(g, b), cgb)), k), 16);
+  const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(r, g), crg),
+                                                                _mm_madd_epi16(_mm_unpackhi_epi16(g, b), cgb)), k), 16);
+  const __m128i y0 = _mm_packs_epi32(lo, hi), z = _mm_setzero_si128();
+  return {y0, lin3<15>(_mm_sub_epi16(b, y0), z, z, 18491, 0, 0, 4210688),
+          lin3<15>(_mm_sub_epi16(r, y0), z, z, 23373, 0, 0, 4210688)};
+}
+
+}  // namespace
 }  // namespace zvp::cc::sse

@@ -72,6 +72,7 @@ const DecKernels kDecScalar = {
 
 Kernels kernels() {
 #if !defined(ZVP_NO_X86)
+  if (cpuIsa() >= Isa::AVX2) return {kDecAVX2, kEncAVX2};
   if (cpuIsa() >= Isa::SSE41) return {kDecSSE41, kEncSSE41};
 #endif
   return {kDecScalar, kEncScalar};

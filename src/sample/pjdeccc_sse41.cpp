@@ -8,31 +8,6 @@ namespace {
 
 using namespace sse;
 
-struct Rgb16 {
-  __m128i r, g, b;
-};
-
-template <int N>
-inline Rgb16 setA(const Zvp8u* py, const Zvp8u* pcb, const Zvp8u* pcr) {
-  const __m128i y = load8u<N>(py), cb = load8u<N>(pcb), cr = load8u<N>(pcr), z = _mm_setzero_si128();
-  const __m128i dR = lin3<14>(cr, z, z, 22970, 0, 0, -2932015);
-  const __m128i dG = lin3<14>(cb, cr, z, 5638, 11700, 0, -2211182);
-  const __m128i dB = lin3<14>(cb, z, z, 29032, 0, 0, -3708561);
-  return {_mm_add_epi16(y, dR), _mm_sub_epi16(y, dG), _mm_add_epi16(y, dB)};
-}
-
-template <int N>
-inline Rgb16 setB(const Zvp8u* py, const Zvp8u* pcb, const Zvp8u* pcr) {
-  const __m128i y = load8u<N>(py), cb = load8u<N>(pcb), cr = load8u<N>(pcr), z = _mm_setzero_si128();
-  const __m128i dR = lin3<14>(cr, z, z, 22970, 0, 0, -2932015);
-  const __m128i dG = lin3<14>(cb, cr, z, -5638, -11700, 0, 2227566);
-  const __m128i dB = lin3<14>(cb, z, z, 29032, 0, 0, -3707961);
-  return {_mm_add_epi16(y, dR), _mm_add_epi16(y, dG), _mm_add_epi16(y, dB)};
-}
-
-// Lanes limited to 0..255 (the clip of the sets).
-inline __m128i clip16(__m128i v) { return _mm_min_epi16(_mm_max_epi16(v, _mm_setzero_si128()), _mm_set1_epi16(255)); }
-
 void yccToRgbP3(const Zvp8u* y, const Zvp8u* cb, const Zvp8u* cr, Zvp8u* r, Zvp8u* g, Zvp8u* b, int n) {
   groups(n, [&]<int N>(int x) {
     const Rgb16 p = setA<N>(y + x, cb + x, cr + x);

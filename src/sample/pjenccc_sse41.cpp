@@ -8,31 +8,6 @@ namespace {
 
 using namespace sse;
 
-struct Ycc16 {
-  __m128i y, cb, cr;
-};
-
-inline Ycc16 set15(__m128i r, __m128i g, __m128i b) {
-  return {lin3<15>(r, g, b, 9798, 19235, 3736, 16266), lin3<15>(r, g, b, -5529, -10855, 16384, 4210688),
-          lin3<15>(r, g, b, 16384, -13720, -2664, 4210704)};
-}
-inline Ycc16 set14(__m128i r, __m128i g, __m128i b) {
-  return {lin3<14>(r, g, b, 4899, 9617, 1868, 8192), lin3<14>(r, g, b, -2764, -5428, 8192, 2105344),
-          lin3<14>(r, g, b, 8192, -6860, -1332, 2105344)};
-}
-template <int N>
-inline void storeYcc(Zvp8u* y, Zvp8u* cb, Zvp8u* cr, const Ycc16& v) {
-  store16as8<N>(y, v.y), store16as8<N>(cb, v.cb), store16as8<N>(cr, v.cr);
-}
-
-// 32-bit float lanes of the float set; rounding to nearest even.
-inline __m128i greyFloat4(__m128i r, __m128i g, __m128i b) {
-  const __m128 v = _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_cvtepi32_ps(r), _mm_set1_ps(0.299f)),
-                                         _mm_mul_ps(_mm_cvtepi32_ps(g), _mm_set1_ps(0.587f))),
-                              _mm_mul_ps(_mm_cvtepi32_ps(b), _mm_set1_ps(0.114f)));
-  return _mm_cvtps_epi32(v);
-}
-
 void rgbToYP3(const Zvp8u* r, const Zvp8u* g, const Zvp8u* b, Zvp8u* d, int n) {
   groups(n, [&]<int N>(int x) {
     const __m128i r16 = load8u<N>(r + x), g16 = load8u<N>(g + x), b16 = load8u<N>(b + x);
@@ -63,21 +38,6 @@ void toYC3(const Zvp8u* s, Zvp8u* d, int width) {
   if (x + 8 <= width) group.template operator()<8>(x), x += 8;
   if (x + 4 <= width) group.template operator()<4>(x), x += 4;
   for (; x < width; ++x) one(x);
-}
-
-// Difference set. 38470 G does not fit a 16-bit factor: it enters as
-// 19235 G twice, paired once with R and once with B.
-inline Ycc16 diffSet(__m128i r, __m128i g, __m128i b) {
-  const __m128i crg = _mm_set1_epi32(static_cast<int32_t>((19235u << 16) | 19595u));
-  const __m128i cgb = _mm_set1_epi32(static_cast<int32_t>((7471u << 16) | 19235u));
-  const __m128i k = _mm_set1_epi32(32768);
-  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(r, g), crg),
-                                                                _mm_madd_epi16(_mm_unpacklo_epi16(g, b), cgb)), k), 16);
-  const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(r, g), crg),
-                                                                _mm_madd_epi16(_mm_unpackhi_epi16(g, b), cgb)), k), 16);
-  const __m128i y0 = _mm_packs_epi32(lo, hi), z = _mm_setzero_si128();
-  return {y0, lin3<15>(_mm_sub_epi16(b, y0), z, z, 18491, 0, 0, 4210688),
-          lin3<15>(_mm_sub_epi16(r, y0), z, z, 23373, 0, 0, 4210688)};
 }
 
 void rgbToYccP3(const Zvp8u* r, const Zvp8u* g, const Zvp8u* b, Zvp8u* y, Zvp8u* cb, Zvp8u* cr, int n) {
