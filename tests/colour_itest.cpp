@@ -157,7 +157,8 @@ TEST(ColourKernels, EncodingKernelsMatchScalarTwins) {
   });
 }
 
-// Every byte triple through the vector sets against the scalar formulas.
+// Every pair of the first two channels with every third value of the last
+// one (both ends included) through each vector set, against the scalar twins.
 TEST(ColourKernels, DecodingSetsExhaustiveOverAllInputs) {
   if (zvp::cpuIsa() < zvp::Isa::SSE41) GTEST_SKIP();
   forEachVectorSet([] {
