@@ -29,9 +29,11 @@ void ownpj_QuantFwd_8x8_Sfs15_16s(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u
 extern "C" ZVPJ_API ZvpStatus zvpiQuantFwdRawTableInit_JPEG_8u(Zvp8u* pQuantRawTable, int qualityFactor) {
   if (!pQuantRawTable) return zvpStatusNullPointer;
   if (qualityFactor < 1) return zvpStatusBadArgument;
-  const int32_t s = qualityFactor < 50 ? 5000 / qualityFactor : 200 - 2 * qualityFactor;
+  // Kept in 64 bits so that every factor from 100 up gives the all-ones
+  // table (it is the same as 32-bit arithmetic wherever that does not overflow).
+  const int64_t s = qualityFactor < 50 ? 5000 / qualityFactor : 200 - 2 * static_cast<int64_t>(qualityFactor);
   for (int i = 0; i < 64; ++i) {
-    int32_t v = (static_cast<int32_t>(pQuantRawTable[i]) * s + 50) / 100;
+    int64_t v = (static_cast<int64_t>(pQuantRawTable[i]) * s + 50) / 100;
     if (v > 255) v = 255;
     if (v < 1) v = 1;
     pQuantRawTable[i] = static_cast<Zvp8u>(v);
