@@ -398,10 +398,12 @@ TEST(DctKernels, ReducedTransformsEqualTheFullOneOnTheMaskedBlockEvenWhenSaturat
   for (int n = 0; n < 4000; ++n) {
     const Block b = randomBlock(rng, n % 4);
     for (int k : {2, 4}) {
-      Block o, e;
+      Block o, s, e;
       (k == 2 ? dct_8x8_inv_2x2_16s : dct_8x8_inv_4x4_16s)(b.data(), o.data());
+      (k == 2 ? zvp::dct::inv2x2Scalar : zvp::dct::inv4x4Scalar)(b.data(), s.data());
       R::invCorner(b.data(), e.data(), k);
       ASSERT_EQ(o, e) << n << " " << k;
+      ASSERT_EQ(s, e) << n << " " << k;
     }
     int16_t o4[16], e4[16], o2[4], e2[4];
     dct_8x8To4x4_inv_16s(b.data(), o4);
@@ -410,6 +412,24 @@ TEST(DctKernels, ReducedTransformsEqualTheFullOneOnTheMaskedBlockEvenWhenSaturat
     dct_8x8To2x2_inv_16s(b.data(), o2);
     R::invTo2x2(b.data(), e2);
     ASSERT_EQ(std::memcmp(o2, e2, 8), 0);
+    // The scalar twins as well.
+    zvp::dct::to4x4Scalar(b.data(), o4);
+    ASSERT_EQ(std::memcmp(o4, e4, 32), 0);
+    zvp::dct::to2x2Scalar(b.data(), o2);
+    ASSERT_EQ(std::memcmp(o2, e2, 8), 0);
+#if !defined(ZVP_NO_X86)
+    if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
+      // Unaligned source, exact output size.
+      zt::Guarded src(128, static_cast<size_t>(n % 8) * 2), d4(32, static_cast<size_t>(n % 5) * 2), d2(8, 6);
+      std::memcpy(src.data(), b.data(), 128);
+      zvp::dct::to4x4SSE41(src.as<Zvp16s>(), d4.as<Zvp16s>());
+      zvp::dct::to2x2SSE41(src.as<Zvp16s>(), d2.as<Zvp16s>());
+      ASSERT_EQ(std::memcmp(d4.data(), e4, 32), 0) << n;
+      ASSERT_EQ(std::memcmp(d2.data(), e2, 8), 0) << n;
+      ASSERT_TRUE(d4.intact());
+      ASSERT_TRUE(d2.intact());
+    }
+#endif
   }
 }
 

@@ -75,12 +75,18 @@ void invScalar(const Zvp16s* pSrc, Zvp16s* pDst);
 void fwdScalar(const Zvp16s* pSrc, Zvp16s* pDst);
 void quantFwdScalar(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
 void quantInvScalar(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
+void inv2x2Scalar(const Zvp16s* pSrc, Zvp16s* pDst);
+void inv4x4Scalar(const Zvp16s* pSrc, Zvp16s* pDst);
+void to4x4Scalar(const Zvp16s* pSrc, Zvp16s* pDst);
+void to2x2Scalar(const Zvp16s* pSrc, Zvp16s* pDst);
 void lsClipScalar(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, Zvp16s level, Zvp8u clipMin, Zvp8u clipMax);
 #if !defined(ZVP_NO_X86)
 void invSSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void fwdSSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void quantFwdSSE41(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
 void quantInvSSE41(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
+void to4x4SSE41(const Zvp16s* pSrc, Zvp16s* pDst);
+void to2x2SSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void lsClipSSE41(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, Zvp16s level, Zvp8u clipMin, Zvp8u clipMax);
 #endif
 

@@ -15,19 +15,21 @@ void invRow(const int16_t* x, int16_t* y, int row) {
   const int16_t* k = kRowSets[kSetOfRow[row]];
   const int32_t c = k[0], m1 = k[1], m2 = k[2], o1 = k[3], o2 = k[4], o3 = k[5], o4 = k[6];
   const int32_t R = _round_i[row];
-  auto sum = [](std::initializer_list<int32_t> t) {
-    uint32_t s = 0;
-    for (int32_t v : t) s += static_cast<uint32_t>(v);
-    return static_cast<int32_t>(s);
-  };
-  const int32_t e0 = sum({c * x[0], m1 * x[2], c * x[4], m2 * x[6], R});
-  const int32_t e1 = sum({c * x[0], m2 * x[2], -c * x[4], -m1 * x[6], R});
-  const int32_t e2 = sum({c * x[0], -m2 * x[2], -c * x[4], m1 * x[6], R});
-  const int32_t e3 = sum({c * x[0], -m1 * x[2], c * x[4], -m2 * x[6], R});
-  const int32_t d0 = sum({o1 * x[1], o2 * x[3], o3 * x[5], o4 * x[7]});
-  const int32_t d1 = sum({o2 * x[1], -o4 * x[3], -o1 * x[5], -o3 * x[7]});
-  const int32_t d2 = sum({o3 * x[1], -o1 * x[3], o4 * x[5], o2 * x[7]});
-  const int32_t d3 = sum({o4 * x[1], -o3 * x[3], o2 * x[5], -o1 * x[7]});
+  const uint32_t X0 = static_cast<uint32_t>(x[0]), X1 = static_cast<uint32_t>(x[1]), X2 = static_cast<uint32_t>(x[2]),
+                 X3 = static_cast<uint32_t>(x[3]), X4 = static_cast<uint32_t>(x[4]), X5 = static_cast<uint32_t>(x[5]),
+                 X6 = static_cast<uint32_t>(x[6]), X7 = static_cast<uint32_t>(x[7]);
+  const uint32_t C = static_cast<uint32_t>(c), M1 = static_cast<uint32_t>(m1), M2 = static_cast<uint32_t>(m2),
+                 O1 = static_cast<uint32_t>(o1), O2 = static_cast<uint32_t>(o2), O3 = static_cast<uint32_t>(o3),
+                 O4 = static_cast<uint32_t>(o4), RR = static_cast<uint32_t>(R);
+  // Sums wrap at 32 bits: unsigned arithmetic, read back as signed.
+  const int32_t e0 = static_cast<int32_t>(C * X0 + M1 * X2 + C * X4 + M2 * X6 + RR);
+  const int32_t e1 = static_cast<int32_t>(C * X0 + M2 * X2 - C * X4 - M1 * X6 + RR);
+  const int32_t e2 = static_cast<int32_t>(C * X0 - M2 * X2 - C * X4 + M1 * X6 + RR);
+  const int32_t e3 = static_cast<int32_t>(C * X0 - M1 * X2 + C * X4 - M2 * X6 + RR);
+  const int32_t d0 = static_cast<int32_t>(O1 * X1 + O2 * X3 + O3 * X5 + O4 * X7);
+  const int32_t d1 = static_cast<int32_t>(O2 * X1 - O4 * X3 - O1 * X5 - O3 * X7);
+  const int32_t d2 = static_cast<int32_t>(O3 * X1 - O1 * X3 + O4 * X5 + O2 * X7);
+  const int32_t d3 = static_cast<int32_t>(O4 * X1 - O3 * X3 + O2 * X5 - O1 * X7);
   y[0] = sat16(wadd(e0, d0) >> 11);
   y[1] = sat16(wadd(e1, d1) >> 11);
   y[2] = sat16(wadd(e2, d2) >> 11);
@@ -185,7 +187,9 @@ void own_8x8_LSClip_16s8u(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, Zvp16s l
 // Reduced inverses: only the top-left corner is read; the other rows of the
 // row pass take their fixed result on zero input (row 2 of the 2x2 case:
 // 2260 >> 11 = 1; every row from 4 on: 0).
-void dct_8x8_inv_2x2_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+namespace zvp::dct {
+
+void inv2x2Scalar(const Zvp16s* pSrc, Zvp16s* pDst) {
   const int16_t x0[8] = {ld(pSrc), ld(pSrc + 1), 0, 0, 0, 0, 0, 0};
   const int16_t x1[8] = {ld(pSrc + 8), ld(pSrc + 9), 0, 0, 0, 0, 0, 0};
   int16_t y0[8], y1[8];
@@ -210,7 +214,7 @@ void dct_8x8_inv_2x2_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
   std::memcpy(pDst, out, 128);
 }
 
-void dct_8x8_inv_4x4_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+void inv4x4Scalar(const Zvp16s* pSrc, Zvp16s* pDst) {
   int16_t y[4][8];
   for (int r = 0; r < 4; ++r) {
     const int16_t x[8] = {ld(pSrc + 8 * r), ld(pSrc + 8 * r + 1), ld(pSrc + 8 * r + 2), ld(pSrc + 8 * r + 3), 0, 0, 0, 0};
@@ -224,6 +228,31 @@ void dct_8x8_inv_4x4_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
     for (int i = 0; i < 8; ++i) out[8 * i + col] = o[i];
   }
   std::memcpy(pDst, out, 128);
+}
+
+}  // namespace zvp::dct
+
+// With a vector kernel, the reduced inverses run the full one on the block
+// with everything outside the corner zeroed: the same result bit for bit,
+// saturating cases included (the row pass gives the other rows their fixed
+// values either way).
+namespace {
+template <int N>
+void invCorner(const Zvp16s* pSrc, Zvp16s* pDst) {
+  alignas(16) int16_t m[64] = {};
+  for (int r = 0; r < N; ++r) std::memcpy(m + 8 * r, pSrc + 8 * r, 2 * N);
+  zvp::dct::kernels().inv(m, pDst);
+}
+}  // namespace
+
+void dct_8x8_inv_2x2_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) invCorner<2>(pSrc, pDst);
+  else zvp::dct::inv2x2Scalar(pSrc, pDst);
+}
+
+void dct_8x8_inv_4x4_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) invCorner<4>(pSrc, pDst);
+  else zvp::dct::inv4x4Scalar(pSrc, pDst);
 }
 
 namespace {
@@ -253,7 +282,7 @@ inline int32_t wmul(int32_t a, int32_t b) { return static_cast<int32_t>(static_c
 
 }  // namespace
 
-void dct_8x8To4x4_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+void zvp::dct::to4x4Scalar(const Zvp16s* pSrc, Zvp16s* pDst) {
   int16_t y[8][4] = {};
   for (int r = 0; r < 8; ++r) {
     if (kTo4SetOfRow[r] < 0) continue;
@@ -286,7 +315,7 @@ void dct_8x8To4x4_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
   std::memcpy(pDst, out, 32);
 }
 
-void dct_8x8To2x2_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+void zvp::dct::to2x2Scalar(const Zvp16s* pSrc, Zvp16s* pDst) {
   int16_t y[8][2] = {};
   for (int r = 0; r < 8; ++r) {
     if (kTo2SetOfRow[r] < 0) continue;
@@ -313,4 +342,18 @@ void dct_8x8To2x2_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
     out[1 * 2 + col] = static_cast<int16_t>(ssub(w, Z) >> 7);
   }
   std::memcpy(pDst, out, 8);
+}
+
+void dct_8x8To4x4_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::to4x4SSE41(pSrc, pDst);
+#endif
+  zvp::dct::to4x4Scalar(pSrc, pDst);
+}
+
+void dct_8x8To2x2_inv_16s(const Zvp16s* pSrc, Zvp16s* pDst) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::to2x2SSE41(pSrc, pDst);
+#endif
+  zvp::dct::to2x2Scalar(pSrc, pDst);
 }

@@ -170,3 +170,92 @@ void lsClipSSE41(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, Zvp16s level, Zvp
 }
 
 }  // namespace zvp::dct
+
+// Downscaling inverses: the row pass as paired multiply-adds (the unread
+// coefficients paired with weight 0 or not loaded at all), the column pass on
+// the 4 or 2 columns in the low lanes.
+namespace zvp::dct {
+
+namespace {
+
+// One row of the 4x4 downscaling row pass: lanes E0+O0, E1+O1, E1-O1, E0-O0.
+inline __m128i to4Row(__m128i x, int c, int p, int q, const int a[4], const int b[4], int32_t round) {
+  const __m128i x02 = _mm_shuffle_epi8(x, pairMask(0, 2));
+  const __m128i x61 = _mm_shuffle_epi8(x, pairMask(6, 1));
+  const __m128i x35 = _mm_shuffle_epi8(x, pairMask(3, 5));
+  const __m128i x7 = _mm_shuffle_epi8(x, _mm_setr_epi8(14, 15, -1, -1, 14, 15, -1, -1, 14, 15, -1, -1, 14, 15, -1, -1));
+  __m128i s = _mm_madd_epi16(x02, set8(c, p, c, -p, c, -p, c, p));
+  s = _mm_add_epi32(s, _mm_madd_epi16(x61, set8(q, a[0], -q, b[0], -q, -b[0], q, -a[0])));
+  s = _mm_add_epi32(s, _mm_madd_epi16(x35, set8(a[1], a[2], b[1], b[2], -b[1], -b[2], -a[1], -a[2])));
+  s = _mm_add_epi32(s, _mm_madd_epi16(x7, set8(a[3], 0, b[3], 0, -b[3], 0, -a[3], 0)));
+  s = _mm_add_epi32(s, _mm_set1_epi32(round));
+  return _mm_srai_epi32(s, 12);  // packed to 16 bits by the caller
+}
+
+}  // namespace
+
+void to4x4SSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
+  static constexpr int A[4][4] = {{20995, 7373, -4926, -4176}, {29121, 10226, -6833, -5793},
+                                  {27432, 9633, -6436, -5457}, {24688, 8669, -5793, -4911}};
+  static constexpr int B[4][4] = {{8697, -17799, 11893, -1730}, {12063, -24688, 16496, -2399},
+                                  {11363, -23256, 15539, -2260}, {10226, -20929, 13985, -2034}};
+  static constexpr int C[4][3] = {{16384, 15137, -6270}, {22725, 20995, -8697}, {21407, 19777, -8192}, {19266, 17799, -7373}};
+  auto row = [&](int r, int set, int32_t round) {
+    return to4Row(ld8(pSrc + 8 * r), C[set][0], C[set][1], C[set][2], A[set], B[set], round);
+  };
+  const __m128i r01 = _mm_packs_epi32(row(0, 0, 66560), row(1, 1, 5802));
+  const __m128i r23 = _mm_packs_epi32(row(2, 2, 4520), row(3, 3, 3408));
+  const __m128i r56 = _mm_packs_epi32(row(5, 3, 910), row(6, 2, 1024));
+  const __m128i r7 = _mm_packs_epi32(row(7, 1, 746), _mm_setzero_si128());
+  const __m128i r0 = r01, r1 = _mm_srli_si128(r01, 8), r2 = r23, r3 = _mm_srli_si128(r23, 8);
+  const __m128i r5 = r56, r6 = _mm_srli_si128(r56, 8);
+  // Column pass in the low 4 lanes.
+  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
+  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
+  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
+  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
+  const __m128i e = adds(mulhi(r6, _tg_2_16), r2);
+  const __m128i f = subs(mulhi(r2, _tg_2_16), r6);
+  const __m128i ab = adds(a, b), amb = subs(a, b), dc = adds(d, c), dmc = subs(d, c);
+  const __m128i X = adds(amb, dmc), Y = subs(amb, dmc);
+  const __m128i g = adds(X, mulhi(X, _cos_4_16)), h = adds(Y, mulhi(Y, _cos_4_16));
+  const __m128i ef = adds(f, e), p = adds(g, ab), q = adds(h, dc), w = adds(r0, r0);
+  const __m128i u = adds(ef, w), v = subs(w, ef);
+  const __m128i o0 = _mm_srai_epi16(adds(p, u), 6), o1 = _mm_srai_epi16(adds(q, v), 6);
+  const __m128i o2 = _mm_srai_epi16(subs(v, q), 6), o3 = _mm_srai_epi16(subs(u, p), 6);
+  st8(pDst, _mm_unpacklo_epi64(o0, o1));
+  st8(pDst + 8, _mm_unpacklo_epi64(o2, o3));
+}
+
+void to2x2SSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
+  // Rows 0, 1, 3, 5, 7: lanes (w + o, w - o) from pairs (x0, x1), (x3, x5), (x7, 0).
+  auto row = [&](int r, int c, int p, int q, int u, int v, int32_t round) {
+    const __m128i x = ld8(pSrc + 8 * r);
+    const __m128i x01 = _mm_shuffle_epi8(x, pairMask(0, 1));
+    const __m128i x35 = _mm_shuffle_epi8(x, pairMask(3, 5));
+    const __m128i x7 = _mm_shuffle_epi8(x, _mm_setr_epi8(14, 15, -1, -1, 14, 15, -1, -1, 14, 15, -1, -1, 14, 15, -1, -1));
+    __m128i s = _mm_madd_epi16(x01, set8(c, p, c, -p, 0, 0, 0, 0));
+    s = _mm_add_epi32(s, _mm_madd_epi16(x35, set8(q, u, -q, -u, 0, 0, 0, 0)));
+    s = _mm_add_epi32(s, _mm_madd_epi16(x7, set8(v, 0, -v, 0, 0, 0, 0, 0)));
+    return _mm_srai_epi32(_mm_add_epi32(s, _mm_set1_epi32(round)), 12);
+  };
+  const __m128i z = _mm_setzero_si128();
+  const __m128i r0 = _mm_packs_epi32(row(0, 16384, 14846, -5213, 3483, -2953, 67072), z);
+  const __m128i r1 = _mm_packs_epi32(row(1, 22725, 20592, -7231, 4832, -4096, 5802), z);
+  const __m128i r3 = _mm_packs_epi32(row(3, 19266, 17457, -6130, 4096, -3472, 3408), z);
+  const __m128i r5 = _mm_packs_epi32(row(5, 19266, 17457, -6130, 4096, -3472, 910), z);
+  const __m128i r7 = _mm_packs_epi32(row(7, 22725, 20592, -7231, 4832, -4096, 746), z);
+  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
+  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
+  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
+  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
+  const __m128i ab = adds(a, b), amb = subs(a, b), dc = adds(d, c);
+  const __m128i g = adds(amb, mulhi(amb, _cos_4_16));
+  const __m128i Z = adds(adds(ab, dc), adds(g, g));
+  const __m128i w1 = adds(r0, r0), w = adds(w1, w1);
+  const __m128i o0 = _mm_srai_epi16(adds(w, Z), 7), o1 = _mm_srai_epi16(subs(w, Z), 7);
+  const __m128i out = _mm_unpacklo_epi32(o0, o1);  // o0[0], o0[1], o1[0], o1[1]
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(pDst), out);
+}
+
+}  // namespace zvp::dct

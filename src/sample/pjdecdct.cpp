@@ -116,18 +116,21 @@ void dct_quant_inv8x8_1x1_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const
   for (int y = 0; y < 8; ++y) std::memset(pDst + static_cast<std::ptrdiff_t>(y) * dstStep, s, 8);
 }
 
+// After the column pass (a shift right by 6) every value lies within
+// -512..511, so the saturating +128 of the reduced members is the wrapping one
+// of the clip kernel: the 8x8 store goes through it.
 void dct_quant_inv8x8_2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
   alignas(16) int16_t b[64];
-  dequant(pSrc, pQuantInvTable, b, 16);
+  dequant(pSrc, pQuantInvTable, b, 16);  // rows 0 and 1
   dct_8x8_inv_2x2_16s(b, b);
-  store128(b, 8, pDst, dstStep);
+  own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
 }
 
 void dct_quant_inv8x8_4x4_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
   alignas(16) int16_t b[64];
   dequant(pSrc, pQuantInvTable, b, 32);
   dct_8x8_inv_4x4_16s(b, b);
-  store128(b, 8, pDst, dstStep);
+  own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
 }
 
 void dct_quant_inv8x8To2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
