@@ -459,21 +459,42 @@ TEST(DctKernels, FloatTransformsFollowTheOrderOfOperations) {
 }
 
 TEST(DctKernels, ScalarCapGivesTheSameMembers) {
+  using Fn = ZvpStatus (*)(const Zvp16s*, Zvp8u*, int, const Zvp16u*);
+  const Fn fns[] = {zvpiDCTQuantInv8x8LS_JPEG_16s8u_C1R, zvpiDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R,
+                    zvpiDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, zvpiDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R,
+                    zvpiDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R, zvpiDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R};
   zt::Rng rng(611);
-  std::array<uint16_t, 64> t;
-  for (auto& v : t) v = static_cast<uint16_t>(rng.uniform(1, 40));
-  for (int n = 0; n < 300; ++n) {
+  for (int n = 0; n < 2000; ++n) {
     const Block b = randomBlock(rng, n % 4);
-    std::array<uint8_t, 64> o1{}, o2{};
-    Block f1{}, f2{};
+    std::array<uint16_t, 64> t;
+    for (auto& v : t) v = static_cast<uint16_t>(n % 4 == 3 ? rng.uniform(0, 65535) : rng.uniform(1, 40));
+    for (Fn f : fns) {
+      std::array<uint8_t, 64> o1{}, o2{};
+      const zvp::Isa prev = zvp::setIsaCap(zvp::Isa::Scalar);
+      ASSERT_EQ(f(b.data(), o1.data(), 8, t.data()), zvpStatusOk);
+      zvp::setIsaCap(prev);
+      ASSERT_EQ(f(b.data(), o2.data(), 8, t.data()), zvpStatusOk);
+      ASSERT_EQ(o1, o2) << n;
+    }
+    Block f1{}, f2{}, i1{}, i2{};
+    std::array<uint8_t, 64> c1{}, c2{};
+    Zvp8u img[64];
+    for (auto& v : img) v = rng.byte();
+    std::array<Zvp16s, 64> l1{}, l2{};
     const zvp::Isa prev = zvp::setIsaCap(zvp::Isa::Scalar);
-    zvpiDCTQuantInv8x8LS_JPEG_16s8u_C1R(b.data(), o1.data(), 8, t.data());
     zvpiDCTQuantFwd8x8_JPEG_16s_C1(b.data(), f1.data(), t.data());
+    zvpiDCTQuantInv8x8_JPEG_16s_C1(b.data(), i1.data(), t.data());
+    zvpiDCT8x8InvLSClip_16s8u_C1R(b.data(), c1.data(), 8, static_cast<Zvp16s>(n), 30, 220);
+    zvpiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(img, 8, l1.data(), t.data());
     zvp::setIsaCap(prev);
-    zvpiDCTQuantInv8x8LS_JPEG_16s8u_C1R(b.data(), o2.data(), 8, t.data());
     zvpiDCTQuantFwd8x8_JPEG_16s_C1(b.data(), f2.data(), t.data());
-    ASSERT_EQ(o1, o2);
+    zvpiDCTQuantInv8x8_JPEG_16s_C1(b.data(), i2.data(), t.data());
+    zvpiDCT8x8InvLSClip_16s8u_C1R(b.data(), c2.data(), 8, static_cast<Zvp16s>(n), 30, 220);
+    zvpiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(img, 8, l2.data(), t.data());
     ASSERT_EQ(f1, f2);
+    ASSERT_EQ(i1, i2);
+    ASSERT_EQ(c1, c2);
+    ASSERT_EQ(l1, l2);
   }
 }
 

@@ -85,6 +85,8 @@ void invSSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void fwdSSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void quantFwdSSE41(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
 void quantInvSSE41(const Zvp16s* pSrc, Zvp16s* pDst, const Zvp16u* pTable);
+template <int N>
+void invCornerQuantSSE41(const Zvp16s* pSrc, const Zvp16u* pTable, Zvp16s* pDst);
 void to4x4SSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void to2x2SSE41(const Zvp16s* pSrc, Zvp16s* pDst);
 void lsClipSSE41(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, Zvp16s level, Zvp8u clipMin, Zvp8u clipMax);

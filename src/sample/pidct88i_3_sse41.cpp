@@ -50,17 +50,19 @@ inline __m128i mulhi(__m128i a, int16_t k) { return _mm_mulhi_epi16(a, _mm_set1_
 
 }  // namespace
 
-void invSSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
-  const InvRowW w0 = invWeights(0), w1 = invWeights(1), w2 = invWeights(2), w3 = invWeights(3);
-  const __m128i r0 = invRowV(ld8(pSrc + 0), w0, _round_i[0]);
-  const __m128i r1 = invRowV(ld8(pSrc + 8), w1, _round_i[1]);
-  const __m128i r2 = invRowV(ld8(pSrc + 16), w2, _round_i[2]);
-  const __m128i r3 = invRowV(ld8(pSrc + 24), w3, _round_i[3]);
-  const __m128i r4 = invRowV(ld8(pSrc + 32), w0, _round_i[4]);
-  const __m128i r5 = invRowV(ld8(pSrc + 40), w3, _round_i[5]);
-  const __m128i r6 = invRowV(ld8(pSrc + 48), w2, _round_i[6]);
-  const __m128i r7 = invRowV(ld8(pSrc + 56), w1, _round_i[7]);
+namespace {
 
+// The inverse on 8 rows of coefficients already in registers.
+inline void invRegs(const __m128i x[8], Zvp16s* pDst) {
+  const InvRowW w0 = invWeights(0), w1 = invWeights(1), w2 = invWeights(2), w3 = invWeights(3);
+  const __m128i r0 = invRowV(x[0], w0, _round_i[0]);
+  const __m128i r1 = invRowV(x[1], w1, _round_i[1]);
+  const __m128i r2 = invRowV(x[2], w2, _round_i[2]);
+  const __m128i r3 = invRowV(x[3], w3, _round_i[3]);
+  const __m128i r4 = invRowV(x[4], w0, _round_i[4]);
+  const __m128i r5 = invRowV(x[5], w3, _round_i[5]);
+  const __m128i r6 = invRowV(x[6], w2, _round_i[6]);
+  const __m128i r7 = invRowV(x[7], w1, _round_i[7]);
   const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
   const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
   const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
@@ -81,6 +83,28 @@ void invSSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
   st8(pDst + 48, _mm_srai_epi16(subs(tf, g), 6));
   st8(pDst + 56, _mm_srai_epi16(subs(se, ab), 6));
 }
+
+}  // namespace
+
+void invSSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r) x[r] = ld8(pSrc + 8 * r);
+  invRegs(x, pDst);
+}
+
+// Dequantisation of the top-left N x N corner (rows 0 to N-1 multiplied,
+// low 16 bits) and the inverse of the block with everything else zero.
+template <int N>
+void invCornerQuantSSE41(const Zvp16s* pSrc, const Zvp16u* pTable, Zvp16s* pDst) {
+  const __m128i keep = N == 2 ? _mm_setr_epi16(-1, -1, 0, 0, 0, 0, 0, 0) : _mm_setr_epi16(-1, -1, -1, -1, 0, 0, 0, 0);
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r)
+    x[r] = r < N ? _mm_and_si128(_mm_mullo_epi16(ld8(pSrc + 8 * r), _mm_loadu_si128(reinterpret_cast<const __m128i*>(pTable + 8 * r))), keep)
+                 : _mm_setzero_si128();
+  invRegs(x, pDst);
+}
+template void invCornerQuantSSE41<2>(const Zvp16s*, const Zvp16u*, Zvp16s*);
+template void invCornerQuantSSE41<4>(const Zvp16s*, const Zvp16u*, Zvp16s*);
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/checks.h"
+#include "core/cpu.h"
 #include "sample/dct.h"
 
 using zvp::dct::ld;
@@ -121,6 +122,12 @@ void dct_quant_inv8x8_1x1_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const
 // of the clip kernel: the 8x8 store goes through it.
 void dct_quant_inv8x8_2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
   alignas(16) int16_t b[64];
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
+    zvp::dct::invCornerQuantSSE41<2>(pSrc, pQuantInvTable, b);
+    return own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
+  }
+#endif
   dequant(pSrc, pQuantInvTable, b, 16);  // rows 0 and 1
   dct_8x8_inv_2x2_16s(b, b);
   own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
@@ -128,7 +135,13 @@ void dct_quant_inv8x8_2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const
 
 void dct_quant_inv8x8_4x4_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
   alignas(16) int16_t b[64];
-  dequant(pSrc, pQuantInvTable, b, 32);
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
+    zvp::dct::invCornerQuantSSE41<4>(pSrc, pQuantInvTable, b);
+    return own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
+  }
+#endif
+  dequant(pSrc, pQuantInvTable, b, 32);  // rows 0 to 3
   dct_8x8_inv_4x4_16s(b, b);
   own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
 }
