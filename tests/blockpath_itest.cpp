@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "core/cpu.h"
@@ -14,6 +15,7 @@
 #include "core/primitives.h"
 #include "ref/blockpath_ref.h"
 #include "sample/dct.h"
+#include "sample/dctfloat.h"
 #include "sample/zigzag.h"
 #include "support/testutil.h"
 
@@ -447,6 +449,26 @@ TEST(DctKernels, FloatTransformsFollowTheOrderOfOperations) {
     std::memcpy(o, in, sizeof o);
     dct_8x8_inv_32f(o, o);  // in place
     ASSERT_EQ(std::memcmp(o, e, sizeof o), 0) << n;
+    // Every path, against the model.
+    float f[64], g[64];
+    R::fwd32(in, f);
+    zvp::dct::fwd32Scalar(in, o);
+    ASSERT_EQ(std::memcmp(o, f, sizeof o), 0) << n;
+    zvp::dct::inv32Scalar(in, o);
+    ASSERT_EQ(std::memcmp(o, e, sizeof o), 0) << n;
+#if !defined(ZVP_NO_X86)
+    if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
+      zt::Guarded src(256, static_cast<size_t>(n % 4) * 4), dst(256, static_cast<size_t>(n % 3) * 4);
+      std::memcpy(src.data(), in, 256);
+      zvp::dct::fwd32SSE41(src.as<Zvp32f>(), dst.as<Zvp32f>());
+      std::memcpy(g, dst.data(), 256);
+      ASSERT_EQ(std::memcmp(g, f, sizeof g), 0) << n;
+      zvp::dct::inv32SSE41(src.as<Zvp32f>(), dst.as<Zvp32f>());
+      std::memcpy(g, dst.data(), 256);
+      ASSERT_EQ(std::memcmp(g, e, sizeof g), 0) << n;
+      ASSERT_TRUE(dst.intact());
+    }
+#endif
   }
   // The normalisation tables are the float products of the scale factors.
   for (int u = 0; u < 8; ++u)
@@ -456,6 +478,30 @@ TEST(DctKernels, FloatTransformsFollowTheOrderOfOperations) {
     }
   EXPECT_EQ(_t_norm_frw[0], 0.125f);
   EXPECT_EQ(_t_norm_inv[0], 0.125f);
+}
+
+TEST(DctKernels, FloatMembersVectorMatchesScalarTwin) {
+  if (zvp::cpuIsa() < zvp::Isa::SSE41) GTEST_SKIP();
+  zt::Rng rng(612);
+  for (int n = 0; n < 3000; ++n) {
+    std::array<Zvp16u, 8 * 12> img;
+    for (auto& v : img) v = static_cast<Zvp16u>(n % 3 ? rng.uniform(0, 4095) : rng.uniform(0, 65535));
+    std::array<Zvp32f, 64> t;
+    for (auto& v : t) v = n % 5 == 4 ? static_cast<float>(rng.uniform(-2000000, 2000000)) * 1000.0f
+                                     : 1.0f / static_cast<float>(rng.uniform(1, 255));
+    if (n % 97 == 0) t[static_cast<size_t>(n % 64)] = std::numeric_limits<float>::quiet_NaN();
+    Block a{}, b{};
+    zvp::dct::qntFwdLsScalar(img.data(), 24, a.data(), t.data());
+    zvp::dct::qntFwdLsSSE41(img.data(), 24, b.data(), t.data());
+    ASSERT_EQ(a, b) << n;
+    const Block c = randomBlock(rng, n % 4);
+    for (auto& v : t) v = n % 5 == 4 ? static_cast<float>(rng.uniform(-2000000, 2000000)) : static_cast<float>(rng.uniform(1, 64)) * 0.25f;
+    if (n % 97 == 0) t[static_cast<size_t>(n % 64)] = std::numeric_limits<float>::quiet_NaN();
+    std::array<Zvp16u, 8 * 10> o1{}, o2{};
+    zvp::dct::qntInvLsScalar(c.data(), o1.data(), 20, t.data());
+    zvp::dct::qntInvLsSSE41(c.data(), o2.data(), 20, t.data());
+    ASSERT_EQ(o1, o2) << n;
+  }
 }
 
 TEST(DctKernels, ScalarCapGivesTheSameMembers) {

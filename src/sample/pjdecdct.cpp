@@ -6,56 +6,14 @@
 
 #include "core/checks.h"
 #include "core/cpu.h"
-#include "sample/dct.h"
+#include "sample/dctfloat.h"
+
+using zvp::dct::invPassT;
 
 using zvp::dct::ld;
 using zvp::dct::st;
 
 namespace {
-
-// One inverse pass on 8 values at stride `s`, scaled by n (null: no multiply).
-void invPass(float* x, int s, const float* n) {
-  const float k1 = CONST_TABLE[1], k2 = CONST_TABLE[2], k3 = CONST_TABLE[3], k4 = CONST_TABLE[4];
-  const float x0 = x[0], x1 = x[s], x2 = x[2 * s], x3 = x[3 * s], x4 = x[4 * s], x5 = x[5 * s], x6 = x[6 * s],
-              x7 = x[7 * s];
-  float a1, a3, a5, a7, a2, a6, E0, E1;
-  if (n) {
-    a1 = x1 * n[1];
-    a3 = x3 * n[3];
-    a5 = x5 * n[5];
-    a7 = x7 * n[7];
-    a2 = x2 * n[2];
-    a6 = x6 * n[6];
-    E0 = (x0 + x4) * n[0];
-    E1 = (x0 - x4) * n[0];
-  } else {
-    a1 = x1, a3 = x3, a5 = x5, a7 = x7, a2 = x2, a6 = x6;
-    E0 = x0 + x4;
-    E1 = x0 - x4;
-  }
-  const float D35 = a3 - a5, S35 = a5 + a3, S17 = a7 + a1, D17 = a1 - a7;
-  const float S = S35 + S17, Dd = S17 - S35;
-  const float kD35 = k1 * D35;
-  const float Q = kD35 + D17;
-  const float kD17 = k1 * D17;
-  const float R = kD17 - D35;
-  const float Sp = S * k4, Dp = Dd * k3;
-  const float Q2 = Q - Sp;
-  const float M = Dp - Q2;
-  const float S26 = a6 + a2;
-  const float D26 = (a2 - a6) * k2;
-  const float P0 = S26 + E0, P3 = E0 - S26, T = D26 - S26;
-  x[0] = Sp + P0;
-  x[7 * s] = P0 - Sp;
-  const float R2 = R - M;
-  x[3 * s] = R2 + P3;
-  x[4 * s] = P3 - R2;
-  const float G = T + E1, H = E1 - T;
-  x[s] = Q2 + G;
-  x[6 * s] = G - Q2;
-  x[2 * s] = M + H;
-  x[5 * s] = H - M;
-}
 
 inline int32_t cvtTrunc(float f) {
   if (!(f >= -2147483648.0f && f < 2147483648.0f)) return INT32_MIN;
@@ -82,22 +40,34 @@ void store128(const int16_t* v, int w, Zvp8u* pDst, int dstStep) {
 
 }  // namespace
 
-void dct_8x8_inv_32f(const Zvp32f* pSrc, Zvp32f* pDst) {
+void zvp::dct::inv32Scalar(const Zvp32f* pSrc, Zvp32f* pDst) {
   float b[64];
   std::memcpy(b, pSrc, sizeof b);
-  for (int r = 0; r < 8; ++r) invPass(b + 8 * r, 1, _t_norm_inv + 8 * r);
-  for (int c = 0; c < 8; ++c) invPass(b + c, 8, nullptr);
+  for (int r = 0; r < 8; ++r) invPassT(b + 8 * r, _t_norm_inv + 8 * r);
+  for (int c = 0; c < 8; ++c) {
+    float col[8];
+    for (int i = 0; i < 8; ++i) col[i] = b[8 * i + c];
+    invPassT<float>(col, nullptr);
+    for (int i = 0; i < 8; ++i) b[8 * i + c] = col[i];
+  }
   std::memcpy(pDst, b, sizeof b);
 }
 
-void dct_qnt_inv_8x8_ls(const Zvp16s* pSrc, Zvp16u* pDst, int dstStep, const Zvp32f* pQuantInvTable) {
+void dct_8x8_inv_32f(const Zvp32f* pSrc, Zvp32f* pDst) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::inv32SSE41(pSrc, pDst);
+#endif
+  zvp::dct::inv32Scalar(pSrc, pDst);
+}
+
+void zvp::dct::qntInvLsScalar(const Zvp16s* pSrc, Zvp16u* pDst, int dstStep, const Zvp32f* pQuantInvTable) {
   float b[64];
   for (int i = 0; i < 64; ++i) {
     float t;
     std::memcpy(&t, pQuantInvTable + i, 4);
     b[i] = static_cast<float>(ld(pSrc + i)) * t;
   }
-  dct_8x8_inv_32f(b, b);
+  inv32Scalar(b, b);
   for (int y = 0; y < 8; ++y)
     for (int x = 0; x < 8; ++x) {
       int v = zvp::dct::sat16(cvtTrunc(b[8 * y + x] + 2048.0f));
@@ -105,6 +75,13 @@ void dct_qnt_inv_8x8_ls(const Zvp16s* pSrc, Zvp16u* pDst, int dstStep, const Zvp
       const Zvp16u u = static_cast<Zvp16u>(v);
       std::memcpy(reinterpret_cast<Zvp8u*>(pDst) + static_cast<std::ptrdiff_t>(y) * dstStep + 2 * x, &u, 2);
     }
+}
+
+void dct_qnt_inv_8x8_ls(const Zvp16s* pSrc, Zvp16u* pDst, int dstStep, const Zvp32f* pQuantInvTable) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::qntInvLsSSE41(pSrc, pDst, dstStep, pQuantInvTable);
+#endif
+  zvp::dct::qntInvLsScalar(pSrc, pDst, dstStep, pQuantInvTable);
 }
 
 void dct_quant_inv8x8_1x1_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {

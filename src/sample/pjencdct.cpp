@@ -7,7 +7,10 @@
 #include "core/checks.h"
 #include "core/pjls.h"
 #include "core/primitives.h"
-#include "sample/dct.h"
+#include "core/cpu.h"
+#include "sample/dctfloat.h"
+
+using zvp::dct::fwdPassT;
 
 extern const float CONST_TABLE[6] = {0.70710677f, 0.41421357f, 1.4142135f, 0.76536685f, 0.5411961f, 1.0823922f};
 
@@ -44,33 +47,6 @@ const NormTables& norms() {
   return t;
 }
 
-// One forward pass on 8 values at stride `s`.
-void fwdPass(float* x, int s) {
-  const float k0 = CONST_TABLE[0], k1 = CONST_TABLE[1], k3 = CONST_TABLE[3], k5 = CONST_TABLE[5];
-  const float x0 = x[0], x1 = x[s], x2 = x[2 * s], x3 = x[3 * s], x4 = x[4 * s], x5 = x[5 * s], x6 = x[6 * s],
-              x7 = x[7 * s];
-  const float s1 = x6 + x1, d1 = x1 - x6, s2 = x5 + x2, d2 = x2 - x5, s0 = x7 + x0, d0 = x0 - x7, s3 = x3 + x4,
-              d3 = x3 - x4;
-  const float a = s1 - s2, t1 = s2 + s1, b = s0 - s3;
-  const float c = (a + b) * k0;
-  const float t0 = s3 + s0;
-  x[0] = t1 + t0;
-  x[4 * s] = t0 - t1;
-  x[6 * s] = b - c;
-  x[2 * s] = c + b;
-  const float p = d3 + d2, q = d2 + d1, r = d1 + d0;
-  const float A0 = q * k3, A1 = d0 * k5;
-  const float kp = k1 * p;
-  const float w = kp + r;
-  const float rk = r * k1;
-  const float v = p - rk;
-  const float A = A0 + A1, B = A1 - A0;
-  x[s] = w + A;
-  x[7 * s] = A - w;
-  x[5 * s] = v + B;
-  x[3 * s] = B - v;
-}
-
 // float to 32-bit integer as the vector conversion does it: out of range and
 // NaN give the lowest value.
 inline int32_t cvtRound(float f) {
@@ -83,17 +59,29 @@ inline int32_t cvtRound(float f) {
 extern const float* const _t_norm_frw = norms().frw;
 extern const float* const _t_norm_inv = norms().inv;
 
-void dct_8x8_fwd_32f(const Zvp32f* pSrc, Zvp32f* pDst) {
+void zvp::dct::fwd32Scalar(const Zvp32f* pSrc, Zvp32f* pDst) {
   float b[64];
   std::memcpy(b, pSrc, sizeof b);
-  for (int r = 0; r < 8; ++r) fwdPass(b + 8 * r, 1);
-  for (int c = 0; c < 8; ++c) fwdPass(b + c, 8);
+  for (int r = 0; r < 8; ++r) fwdPassT(b + 8 * r);
+  for (int c = 0; c < 8; ++c) {
+    float col[8];
+    for (int i = 0; i < 8; ++i) col[i] = b[8 * i + c];
+    fwdPassT(col);
+    for (int i = 0; i < 8; ++i) b[8 * i + c] = col[i];
+  }
   const float* n = norms().frw;
   for (int i = 0; i < 64; ++i) b[i] = b[i] * n[i];
   std::memcpy(pDst, b, sizeof b);
 }
 
-void dct_qnt_fwd_8x8_ls(const Zvp16u* pSrc, int srcStep, Zvp16s* pDst, const Zvp32f* pQuantFwdTable) {
+void dct_8x8_fwd_32f(const Zvp32f* pSrc, Zvp32f* pDst) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::fwd32SSE41(pSrc, pDst);
+#endif
+  zvp::dct::fwd32Scalar(pSrc, pDst);
+}
+
+void zvp::dct::qntFwdLsScalar(const Zvp16u* pSrc, int srcStep, Zvp16s* pDst, const Zvp32f* pQuantFwdTable) {
   float b[64];
   for (int y = 0; y < 8; ++y)
     for (int x = 0; x < 8; ++x) {
@@ -101,12 +89,19 @@ void dct_qnt_fwd_8x8_ls(const Zvp16u* pSrc, int srcStep, Zvp16s* pDst, const Zvp
       std::memcpy(&v, reinterpret_cast<const Zvp8u*>(pSrc) + static_cast<std::ptrdiff_t>(y) * srcStep + 2 * x, 2);
       b[8 * y + x] = static_cast<float>(v) - 2048.0f;
     }
-  dct_8x8_fwd_32f(b, b);
+  fwd32Scalar(b, b);
   for (int i = 0; i < 64; ++i) {
     float t;
     std::memcpy(&t, pQuantFwdTable + i, 4);
     zvp::dct::st(pDst + i, zvp::dct::sat16(cvtRound(b[i] * t)));
   }
+}
+
+void dct_qnt_fwd_8x8_ls(const Zvp16u* pSrc, int srcStep, Zvp16s* pDst, const Zvp32f* pQuantFwdTable) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() >= zvp::Isa::SSE41) return zvp::dct::qntFwdLsSSE41(pSrc, srcStep, pDst, pQuantFwdTable);
+#endif
+  zvp::dct::qntFwdLsScalar(pSrc, srcStep, pDst, pQuantFwdTable);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const Zvp8u* pSrc, int srcStep, Zvp16s* pDst,
