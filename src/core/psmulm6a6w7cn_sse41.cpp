@@ -26,9 +26,12 @@ void mulSfsSSE41(const Zvp16u* pSrc1, const Zvp16s* pSrc2, Zvp16s* pDst, int len
     for (; i + 8 <= len; i += 8) {
       const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc1 + i));
       const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc2 + i));
-      const __m128i plo = _mm_mullo_epi32(_mm_cvtepu16_epi32(a), _mm_cvtepi16_epi32(b));
-      const __m128i phi =
-          _mm_mullo_epi32(_mm_cvtepu16_epi32(_mm_srli_si128(a, 8)), _mm_cvtepi16_epi32(_mm_srli_si128(b, 8)));
+      // The exact 32-bit products from 16-bit halves: the signed high half,
+      // corrected by b where a (unsigned) has its top bit set.
+      const __m128i low = _mm_mullo_epi16(a, b);
+      const __m128i high = _mm_add_epi16(_mm_mulhi_epi16(a, b), _mm_and_si128(_mm_srai_epi16(a, 15), b));
+      const __m128i plo = _mm_unpacklo_epi16(low, high);
+      const __m128i phi = _mm_unpackhi_epi16(low, high);
       _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst + i),
                        _mm_packs_epi32(round4(plo, sh, half, one), round4(phi, sh, half, one)));
     }
