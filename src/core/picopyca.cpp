@@ -32,3 +32,22 @@ void owniCopy8uas(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int dstStep, int 
       zvp::copyOrdinary(s, d, row, zvp::DirectionRule::Region);
   }
 }
+
+// The 16-bit and 32-bit region copies: the row length in bytes is all the
+// worker needs. No test of the steps.
+#include "core/checks.h"
+#include "core/primitives.h"
+
+ZvpStatus zvpiCopy_16s_C1R(const Zvp16s* pSrc, int srcStep, Zvp16s* pDst, int dstStep, ZvpiSize roiSize) {
+  if (ZvpStatus st = zvp::firstFailure({zvp::checkPtr(pSrc), zvp::checkPtr(pDst), zvp::checkSize(roiSize)})) return st;
+  owniCopy8uas(reinterpret_cast<const Zvp8u*>(pSrc), srcStep, reinterpret_cast<Zvp8u*>(pDst), dstStep,
+               roiSize.width * 2, roiSize.height);
+  return zvpStatusOk;
+}
+
+ZvpStatus zvpiCopy_32f_C1R(const Zvp32f* pSrc, int srcStep, Zvp32f* pDst, int dstStep, ZvpiSize roiSize) {
+  if (ZvpStatus st = zvp::firstFailure({zvp::checkPtr(pSrc), zvp::checkPtr(pDst), zvp::checkSize(roiSize)})) return st;
+  owniCopy8uas(reinterpret_cast<const Zvp8u*>(pSrc), srcStep, reinterpret_cast<Zvp8u*>(pDst), dstStep,
+               roiSize.width * 4, roiSize.height);
+  return zvpStatusOk;
+}
