@@ -37,22 +37,10 @@ constexpr int32_t pairBits(int16_t a, int16_t b) {
   inline V sra32(V a, __m128i n) { return P##_sra_epi32(a, n); }                       \
   inline V vand(V a, V b) { return P##_and_##S(a, b); }                                \
   inline V vor(V a, V b) { return P##_or_##S(a, b); }                                  \
-  template <int N>                                                                     \
-  inline V srli16(V a) {                                                               \
-    return P##_srli_epi16(a, N);                                                       \
-  }                                                                                    \
-  template <int N>                                                                     \
-  inline V slli16(V a) {                                                               \
-    return P##_slli_epi16(a, N);                                                       \
-  }                                                                                    \
-  template <int N>                                                                     \
-  inline V srai32(V a) {                                                               \
-    return P##_srai_epi32(a, N);                                                       \
-  }                                                                                    \
-  template <int N>                                                                     \
-  inline V slli32(V a) {                                                               \
-    return P##_slli_epi32(a, N);                                                       \
-  }                                                                                    \
+  template <int N> inline V srli16(V a) { return P##_srli_epi16(a, N); }               \
+  template <int N> inline V slli16(V a) { return P##_slli_epi16(a, N); }               \
+  template <int N> inline V srai32(V a) { return P##_srai_epi32(a, N); }               \
+  template <int N> inline V slli32(V a) { return P##_slli_epi32(a, N); }               \
   inline V splat16(V, int16_t x) { return P##_set1_epi16(x); }                         \
   inline V splat32(V, int32_t x) { return P##_set1_epi32(x); }                         \
   inline V zeroLike(V) { return P##_setzero_##S(); }
