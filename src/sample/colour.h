@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/checks.h"
 #include "zvpj.h"
 
 namespace zvp::cc {
@@ -183,6 +184,20 @@ inline uint16_t load16u(const Zvp16u* p) {
 }
 inline void store16u(Zvp16u* p, uint16_t v) { std::memcpy(p, &v, 2); }
 
+// Argument tests of the region members: null plane sets, pointers and
+// planes first (the callers fold them into nullSrc / nullDst); then both
+// steps; then the size.
+inline bool anyNull(const void* const* set, int n) {
+  if (!set) return true;
+  for (int i = 0; i < n; ++i)
+    if (!set[i]) return true;
+  return false;
+}
+inline ZvpStatus checkColour(bool nullSrc, bool nullDst, int srcStep, int dstStep, ZvpiSize roi) {
+  if (nullSrc || nullDst) return zvpStatusNullPointer;
+  return zvp::checkGroups({}, {srcStep, dstStep}, roi);
+}
+
 // The row loop of every tailed member: the group kernel takes columns
 // 0 .. w4 - 1 (8 at a time, then one group of 4), the tail the rest.
 template <class Group, class Tail>
@@ -221,6 +236,29 @@ struct EncKernels {
   // Whole rows (set 14 on every pixel): packed encoders.
   void (*packedToYcc[4])(const Zvp16u* s, Zvp8u* y, Zvp8u* cb, Zvp8u* cr, int width);
 };
+
+// A kernel table from the kernels of one file, named with suffix S (empty in
+// the vector files); the last entry (the 422 kernel, the packed encoders) is
+// given apart, as some vector files take it from another table.
+#define ZVP_CC_DEC_KERNELS(S, ...)                                                                   \
+  {yccToRgbP3##S,                                                                                    \
+   yccToC3##S<false>,                                                                                \
+   yccToC3##S<true>,                                                                                 \
+   {yccToPacked##S<Packed::RGB555>, yccToPacked##S<Packed::BGR555>, yccToPacked##S<Packed::RGB565>, \
+    yccToPacked##S<Packed::BGR565>},                                                                 \
+   ycckToCmykP4##S,                                                                                  \
+   ycckToCmykC4##S,                                                                                  \
+   __VA_ARGS__}
+#define ZVP_CC_ENC_KERNELS(S, ...) \
+  {rgbToYP3##S,                    \
+   toYC3##S<false>,                \
+   toYC3##S<true>,                 \
+   rgbToYccP3##S,                  \
+   toYccC3##S<false>,              \
+   toYccC3##S<true>,               \
+   cmykToYcckP4##S,                \
+   cmykToYcckC4##S,                \
+   __VA_ARGS__}
 
 // Scalar twins and SSE4.1 kernels, decoding (pjdeccc*) and encoding (pjenccc*).
 extern const DecKernels kDecScalar;

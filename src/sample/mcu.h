@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "sample/colour.h"
 #include "zvpj.h"
 
 namespace zvp::mcu {
@@ -53,7 +54,14 @@ inline void st16(Zvp16s* p, int v) {
   const int16_t s = static_cast<int16_t>(v);
   std::memcpy(p, &s, sizeof s);
 }
-inline uint8_t clip8(int v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
+// The 0..255 limit and the 555 / 565 field layouts are those of the plane
+// colour functions.
+inline uint8_t clip8(int v) { return cc::clip(v); }
+template <auto M>  // Dec or Enc
+constexpr cc::Packed packedLayout() {
+  static_assert(M == decltype(M)::BGR555 || M == decltype(M)::BGR565);
+  return M == decltype(M)::BGR555 ? cc::Packed::BGR555 : cc::Packed::BGR565;
+}
 
 inline bool aligned16(const void* p) { return (reinterpret_cast<uintptr_t>(p) & 15u) == 0; }
 
@@ -64,7 +72,8 @@ constexpr int kDecBias = 2105344;
 struct Rgb {
   int r, g, b;
 };
-// Decoding: the sums wrap at 16 bits before the limit to 0..255.
+// Decoding: the sums wrap at 16 bits before the limit to 0..255. Not
+// cc::decodeB on purpose: the bias here rounds at 8192, that one at 8145, 8302, 8135.
 inline Rgb decodeFast(int y, int cb, int cr) {
   const int dR = (22970 * cr + kDecBias) >> 14;
   const int dG = (-5638 * cb - 11700 * cr + kDecBias) >> 14;
@@ -72,7 +81,7 @@ inline Rgb decodeFast(int y, int cb, int cr) {
   return {clip8(static_cast<int16_t>(y + dR)), clip8(static_cast<int16_t>(y + dG)),
           clip8(static_cast<int16_t>(y + dB))};
 }
-// Decoding, careful body: no rounding, exact products.
+// Decoding, careful body: no rounding, exact products (cc::decodeTail rounds).
 inline Rgb decodeScalar(int y, int cb, int cr) {
   const int64_t c = cb, r = cr;
   return {clip8(y + static_cast<int>((91881 * r) >> 16) + 128),
@@ -80,17 +89,19 @@ inline Rgb decodeScalar(int y, int cb, int cr) {
           clip8(y + static_cast<int>((116130 * c) >> 16) + 128)};
 }
 
-// 127.5 in the 14-bit scale.
-constexpr int kEncYBias = 2088960;
-inline int encodeYFast(int r, int g, int b) { return (4899 * r + 9617 * g + 1868 * b - kEncYBias) >> 14; }
-// Chroma from sums over 2^m pixels with rounding term rnd.
+// Y is set 14 of the plane encoders less the level shift (its limit never
+// acts: the coefficients sum to 16384).
+inline int encodeYFast(int r, int g, int b) { return cc::encode14(r, g, b).y - 128; }
+// Chroma from sums over 2^m pixels with rounding term rnd (set 14 of the
+// plane encoders is the case m = 0, rnd = 8192, plus 128; kept apart for the sums).
 inline int encodeCbFast(int sr, int sg, int sb, int rnd, int m) {
   return (-2764 * sr - 5428 * sg + 8192 * sb + rnd) >> (14 + m);
 }
 inline int encodeCrFast(int sr, int sg, int sb, int rnd, int m) {
   return (8192 * sr - 6860 * sg - 1332 * sb + rnd) >> (14 + m);
 }
-// Careful bodies (RGB/BGR 411, CMYK): truncating, no rounding term.
+// Careful bodies (RGB/BGR 411, CMYK): truncating, no rounding term (unlike
+// the cc_table rule of the plane encoders, which rounds Y).
 inline int encodeYScalar(int r, int g, int b) { return ((19595 * r + 38470 * g + 7471 * b) >> 16) - 128; }
 inline int encodeCbScalar(int sr, int sg, int sb, int shift) { return (-11059 * sr - 21709 * sg + 32768 * sb) >> shift; }
 inline int encodeCrScalar(int sr, int sg, int sb, int shift) { return (32768 * sr - 27439 * sg - 5329 * sb) >> shift; }
@@ -128,47 +139,29 @@ EncFn encodeFastKernel(Enc e, Samp s);
 
 }  // namespace zvp::mcu
 
-// Fast bodies of the exported members (they test nothing).
-#define ZVP_MCU_DEC_BODIES(X)                                                    \
-  X(YCbCr444ToRGBLS_MCU_16s8u_P3C3R, RGB, S444, Zvp8u, 3)                        \
-  X(YCbCr422ToRGBLS_MCU_16s8u_P3C3R, RGB, S422, Zvp8u, 3)                        \
-  X(YCbCr411ToRGBLS_MCU_16s8u_P3C3R, RGB, S411, Zvp8u, 3)                        \
-  X(YCbCr444ToBGRLS_MCU_16s8u_P3C3R, BGR, S444, Zvp8u, 3)                        \
-  X(YCbCr422ToBGRLS_MCU_16s8u_P3C3R, BGR, S422, Zvp8u, 3)                        \
-  X(YCbCr411ToBGRLS_MCU_16s8u_P3C3R, BGR, S411, Zvp8u, 3)                        \
-  X(YCCK444ToCMYKLS_MCU_16s8u_P4C4R, CMYK, S444, Zvp8u, 4)                       \
-  X(YCCK422ToCMYKLS_MCU_16s8u_P4C4R, CMYK, S422, Zvp8u, 4)                       \
-  X(YCCK411ToCMYKLS_MCU_16s8u_P4C4R, CMYK, S411, Zvp8u, 4)                       \
-  X(YCbCr444ToBGR555LS_MCU_16s16u_P3C3R, BGR555, S444, Zvp16u, 3)                \
-  X(YCbCr422ToBGR555LS_MCU_16s16u_P3C3R, BGR555, S422, Zvp16u, 3)                \
-  X(YCbCr411ToBGR555LS_MCU_16s16u_P3C3R, BGR555, S411, Zvp16u, 3)                \
-  X(YCbCr444ToBGR565LS_MCU_16s16u_P3C3R, BGR565, S444, Zvp16u, 3)                \
-  X(YCbCr422ToBGR565LS_MCU_16s16u_P3C3R, BGR565, S422, Zvp16u, 3)                \
-  X(YCbCr411ToBGR565LS_MCU_16s16u_P3C3R, BGR565, S411, Zvp16u, 3)                \
-  X(SampleUp444LS_MCU_16s8u_P3C3R, Up, S444, Zvp8u, 3)                           \
-  X(SampleUp422LS_MCU_16s8u_P3C3R, Up, S422, Zvp8u, 3)                           \
-  X(SampleUp411LS_MCU_16s8u_P3C3R, Up, S411, Zvp8u, 3)                           \
+// Fast bodies of the exported members (they test nothing). Each colour model
+// comes in the three samplings, named pre##444##post, pre##422##post, pre##411##post.
+#define ZVP_MCU_3(X, pre, post, model, T, n) \
+  X(pre##444##post, model, S444, T, n)       \
+  X(pre##422##post, model, S422, T, n)       \
+  X(pre##411##post, model, S411, T, n)
+
+#define ZVP_MCU_DEC_BODIES(X)                                             \
+  ZVP_MCU_3(X, YCbCr, ToRGBLS_MCU_16s8u_P3C3R, RGB, Zvp8u, 3)             \
+  ZVP_MCU_3(X, YCbCr, ToBGRLS_MCU_16s8u_P3C3R, BGR, Zvp8u, 3)             \
+  ZVP_MCU_3(X, YCCK, ToCMYKLS_MCU_16s8u_P4C4R, CMYK, Zvp8u, 4)            \
+  ZVP_MCU_3(X, YCbCr, ToBGR555LS_MCU_16s16u_P3C3R, BGR555, Zvp16u, 3)     \
+  ZVP_MCU_3(X, YCbCr, ToBGR565LS_MCU_16s16u_P3C3R, BGR565, Zvp16u, 3)     \
+  ZVP_MCU_3(X, SampleUp, LS_MCU_16s8u_P3C3R, Up, Zvp8u, 3)                \
   X(Join422LS_MCU_16s8u_P3C2R, Join422, S422, Zvp8u, 3)
 
-#define ZVP_MCU_ENC_BODIES(X)                                                    \
-  X(RGBToYCbCr444LS_MCU_8u16s_C3P3R, RGB, S444, Zvp8u, 3)                        \
-  X(RGBToYCbCr422LS_MCU_8u16s_C3P3R, RGB, S422, Zvp8u, 3)                        \
-  X(RGBToYCbCr411LS_MCU_8u16s_C3P3R, RGB, S411, Zvp8u, 3)                        \
-  X(BGRToYCbCr444LS_MCU_8u16s_C3P3R, BGR, S444, Zvp8u, 3)                        \
-  X(BGRToYCbCr422LS_MCU_8u16s_C3P3R, BGR, S422, Zvp8u, 3)                        \
-  X(BGRToYCbCr411LS_MCU_8u16s_C3P3R, BGR, S411, Zvp8u, 3)                        \
-  X(CMYKToYCCK444LS_MCU_8u16s_C4P4R, CMYK, S444, Zvp8u, 4)                       \
-  X(CMYKToYCCK422LS_MCU_8u16s_C4P4R, CMYK, S422, Zvp8u, 4)                       \
-  X(CMYKToYCCK411LS_MCU_8u16s_C4P4R, CMYK, S411, Zvp8u, 4)                       \
-  X(BGR555ToYCbCr444LS_MCU_16u16s_C3P3R, BGR555, S444, Zvp16u, 3)                \
-  X(BGR555ToYCbCr422LS_MCU_16u16s_C3P3R, BGR555, S422, Zvp16u, 3)                \
-  X(BGR555ToYCbCr411LS_MCU_16u16s_C3P3R, BGR555, S411, Zvp16u, 3)                \
-  X(BGR565ToYCbCr444LS_MCU_16u16s_C3P3R, BGR565, S444, Zvp16u, 3)                \
-  X(BGR565ToYCbCr422LS_MCU_16u16s_C3P3R, BGR565, S422, Zvp16u, 3)                \
-  X(BGR565ToYCbCr411LS_MCU_16u16s_C3P3R, BGR565, S411, Zvp16u, 3)                \
-  X(SampleDown444LS_MCU_8u16s_C3P3R, Down, S444, Zvp8u, 3)                       \
-  X(SampleDown422LS_MCU_8u16s_C3P3R, Down, S422, Zvp8u, 3)                       \
-  X(SampleDown411LS_MCU_8u16s_C3P3R, Down, S411, Zvp8u, 3)                       \
+#define ZVP_MCU_ENC_BODIES(X)                                             \
+  ZVP_MCU_3(X, RGBToYCbCr, LS_MCU_8u16s_C3P3R, RGB, Zvp8u, 3)             \
+  ZVP_MCU_3(X, BGRToYCbCr, LS_MCU_8u16s_C3P3R, BGR, Zvp8u, 3)             \
+  ZVP_MCU_3(X, CMYKToYCCK, LS_MCU_8u16s_C4P4R, CMYK, Zvp8u, 4)            \
+  ZVP_MCU_3(X, BGR555ToYCbCr, LS_MCU_16u16s_C3P3R, BGR555, Zvp16u, 3)     \
+  ZVP_MCU_3(X, BGR565ToYCbCr, LS_MCU_16u16s_C3P3R, BGR565, Zvp16u, 3)     \
+  ZVP_MCU_3(X, SampleDown, LS_MCU_8u16s_C3P3R, Down, Zvp8u, 3)            \
   X(Split422LS_MCU_8u16s_C2P3R, Split422, S422, Zvp8u, 3)
 
 #define ZVP_MCU_DECLARE_DEC(name, model, samp, T, n) \

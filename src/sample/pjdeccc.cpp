@@ -59,16 +59,7 @@ void ycc422ToRgbScalar(const Zvp8u* s, Zvp8u* d, int n) {
 
 }  // namespace
 
-const DecKernels kDecScalar = {
-    yccToRgbP3Scalar,
-    yccToC3Scalar<false>,
-    yccToC3Scalar<true>,
-    {yccToPackedScalar<Packed::RGB555>, yccToPackedScalar<Packed::BGR555>, yccToPackedScalar<Packed::RGB565>,
-     yccToPackedScalar<Packed::BGR565>},
-    ycckToCmykP4Scalar,
-    ycckToCmykC4Scalar,
-    ycc422ToRgbScalar,
-};
+const DecKernels kDecScalar = ZVP_CC_DEC_KERNELS(Scalar, ycc422ToRgbScalar);
 
 Kernels kernels() {
 #if !defined(ZVP_NO_X86)
@@ -82,23 +73,6 @@ Kernels kernels() {
 
 using namespace zvp::cc;
 using zvp::rowPtr;
-
-namespace {
-
-bool anyNull(const void* const* set, int n) {
-  if (!set) return true;
-  for (int i = 0; i < n; ++i)
-    if (!set[i]) return true;
-  return false;
-}
-
-// Null plane sets, pointers and planes first; then both steps; then the size.
-ZvpStatus checkColour(bool nullSrc, bool nullDst, int srcStep, int dstStep, ZvpiSize roi) {
-  if (nullSrc || nullDst) return zvpStatusNullPointer;
-  return zvp::checkGroups({}, {srcStep, dstStep}, roi);
-}
-
-}  // namespace
 
 ZvpStatus ownpj_YCbCrToRGB_JPEG_8u_P3R(const Zvp8u* const pSrc[3], int srcStep, Zvp8u* const pDst[3], int dstStep,
                                        ZvpiSize roi) {
@@ -230,22 +204,16 @@ ZVP_P3_ENTRY(YCbCrToRGB_JPEG_8u_P3R, Zvp8u* const*, SET_NULL(3))
 ZVP_P3_ENTRY(YCbCrToRGB_JPEG_8u_P3C3R, Zvp8u*, !pDst)
 ZVP_P3_ENTRY(YCbCrToBGR_JPEG_8u_P3C3R, Zvp8u*, !pDst)
 
-ZvpStatus ownpj_YCbCrToRGB555_JPEG_8u16u_P3C3R(const Zvp8u* const pSrc[3], int srcStep, Zvp16u* pDst, int dstStep,
-                                               ZvpiSize roi) {
-  return yccToPackedRegion<Packed::RGB555>(pSrc, srcStep, pDst, dstStep, roi);
-}
-ZvpStatus ownpj_YCbCrToBGR555_JPEG_8u16u_P3C3R(const Zvp8u* const pSrc[3], int srcStep, Zvp16u* pDst, int dstStep,
-                                               ZvpiSize roi) {
-  return yccToPackedRegion<Packed::BGR555>(pSrc, srcStep, pDst, dstStep, roi);
-}
-ZvpStatus ownpj_YCbCrToRGB565_JPEG_8u16u_P3C3R(const Zvp8u* const pSrc[3], int srcStep, Zvp16u* pDst, int dstStep,
-                                               ZvpiSize roi) {
-  return yccToPackedRegion<Packed::RGB565>(pSrc, srcStep, pDst, dstStep, roi);
-}
-ZvpStatus ownpj_YCbCrToBGR565_JPEG_8u16u_P3C3R(const Zvp8u* const pSrc[3], int srcStep, Zvp16u* pDst, int dstStep,
-                                               ZvpiSize roi) {
-  return yccToPackedRegion<Packed::BGR565>(pSrc, srcStep, pDst, dstStep, roi);
-}
+#define ZVP_PACKED_WORKER(F)                                                                                   \
+  ZvpStatus ownpj_YCbCrTo##F##_JPEG_8u16u_P3C3R(const Zvp8u* const pSrc[3], int srcStep, Zvp16u* pDst, int dstStep, \
+                                                ZvpiSize roi) {                                                    \
+    return yccToPackedRegion<Packed::F>(pSrc, srcStep, pDst, dstStep, roi);                                        \
+  }
+ZVP_PACKED_WORKER(RGB555)
+ZVP_PACKED_WORKER(BGR555)
+ZVP_PACKED_WORKER(RGB565)
+ZVP_PACKED_WORKER(BGR565)
+#undef ZVP_PACKED_WORKER
 
 ZVP_P3_ENTRY(YCbCrToRGB555_JPEG_8u16u_P3C3R, Zvp16u*, !pDst)
 ZVP_P3_ENTRY(YCbCrToBGR555_JPEG_8u16u_P3C3R, Zvp16u*, !pDst)

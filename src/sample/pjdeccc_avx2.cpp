@@ -87,15 +87,6 @@ void ycckToCmykC4(const Zvp8u* y, const Zvp8u* cb, const Zvp8u* cr, const Zvp8u*
 }  // namespace
 
 // The 4:2:2 kernel keeps its SSE4.1 form.
-const DecKernels kDecAVX2 = {
-    yccToRgbP3,
-    yccToC3<false>,
-    yccToC3<true>,
-    {yccToPacked<Packed::RGB555>, yccToPacked<Packed::BGR555>, yccToPacked<Packed::RGB565>,
-     yccToPacked<Packed::BGR565>},
-    ycckToCmykP4,
-    ycckToCmykC4,
-    kDecSSE41.ycc422ToRgb,
-};
+const DecKernels kDecAVX2 = ZVP_CC_DEC_KERNELS(, kDecSSE41.ycc422ToRgb);
 
 }  // namespace zvp::cc

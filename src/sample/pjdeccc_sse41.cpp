@@ -90,15 +90,6 @@ void ycc422ToRgb(const Zvp8u* s, Zvp8u* d, int n) {
 
 }  // namespace
 
-const DecKernels kDecSSE41 = {
-    yccToRgbP3,
-    yccToC3<false>,
-    yccToC3<true>,
-    {yccToPacked<Packed::RGB555>, yccToPacked<Packed::BGR555>, yccToPacked<Packed::RGB565>,
-     yccToPacked<Packed::BGR565>},
-    ycckToCmykP4,
-    ycckToCmykC4,
-    ycc422ToRgb,
-};
+const DecKernels kDecSSE41 = ZVP_CC_DEC_KERNELS(, ycc422ToRgb);
 
 }  // namespace zvp::cc

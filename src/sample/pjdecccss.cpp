@@ -44,9 +44,8 @@ void decodePixels(const Zvp16s* const* mcu, void* dst, int dstStep) {
           // Fast: k + 128 limited to 0..255; careful: the low 8 bits of k - 128.
           row[4 * x + 3] = Fast ? clip8(k + 128) : static_cast<uint8_t>((k - 128) & 0xFF);
         } else {
-          const int v = D == Dec::BGR555 ? ((c.b >> 3) | ((c.g >> 3) << 5) | ((c.r >> 3) << 10))
-                                         : ((c.b >> 3) | ((c.g >> 2) << 5) | ((c.r >> 3) << 11));
-          const uint16_t p = static_cast<uint16_t>(v);
+          const uint16_t p = cc::pack(packedLayout<D>(), {static_cast<uint8_t>(c.r), static_cast<uint8_t>(c.g),
+                                                          static_cast<uint8_t>(c.b)});
           std::memcpy(row + 2 * x, &p, sizeof p);
         }
       }

@@ -2,9 +2,7 @@
 // group of 8 pixels, as in the SSE4.1 kernels: the two halves of a 16-pixel
 // row, or two rows of a 444 MCU. Every operation stays within its lane, so
 // the arithmetic is that of the SSE4.1 kernels, two groups at a time.
-#include <immintrin.h>
-
-#include "sample/mcu.h"
+#include "sample/mcu_simd.h"
 
 namespace zvp::mcu {
 
@@ -23,50 +21,13 @@ inline V chromaHalves(const Zvp16s* p) {
                                   0x50);
 }
 
-inline V low16(V lo, V hi) {
-  return _mm256_packs_epi32(_mm256_srai_epi32(_mm256_slli_epi32(lo, 16), 16),
-                            _mm256_srai_epi32(_mm256_slli_epi32(hi, 16), 16));
-}
-inline V term(V a, V b, V coef, V bias) {
-  const V lo = _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), coef), bias), 14);
-  const V hi = _mm256_srai_epi32(_mm256_add_epi32(_mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), coef), bias), 14);
-  return low16(lo, hi);
-}
-inline V pair(int16_t a, int16_t b) {
-  return _mm256_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16) |
-                                                static_cast<uint16_t>(a)));
-}
-
 struct Rgb16 {
   V r, g, b;
 };
 inline Rgb16 colour(V y, V cb, V cr) {
-  const V zero = _mm256_setzero_si256(), bias = _mm256_set1_epi32(kDecBias);
-  return {_mm256_add_epi16(y, term(cr, zero, pair(22970, 0), bias)),
-          _mm256_add_epi16(y, term(cb, cr, pair(-5638, -11700), bias)),
-          _mm256_add_epi16(y, term(cb, zero, pair(29032, 0), bias))};
-}
-
-// Interleave masks of three byte channels (see the SSE4.1 kernels), per lane.
-struct MaskBytes {
-  alignas(16) int8_t a[32];
-  alignas(16) int8_t b[32];
-};
-constexpr MaskBytes makeMasks(bool swap02) {
-  MaskBytes m{};
-  for (int j = 0; j < 32; ++j) {
-    const int p = j / 3;
-    int c = j % 3;
-    if (swap02 && c != 1) c = 2 - c;
-    m.a[j] = static_cast<int8_t>(j < 24 && c < 2 ? 8 * c + p : -128);
-    m.b[j] = static_cast<int8_t>(j < 24 && c == 2 ? p : -128);
-  }
-  return m;
-}
-constexpr MaskBytes kMasks[2] = {makeMasks(false), makeMasks(true)};
-
-inline V bcast(const int8_t* p) {
-  return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(p)));
+  Rgb16 c;
+  colour(y, cb, cr, c.r, c.g, c.b);
+  return c;
 }
 
 inline void store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
@@ -133,17 +94,7 @@ void decodeAVX2(const Zvp16s* const* mcu, void* dst, int dstStep) {
       storeLanes(o0 + 16, o1 + 16, _mm256_unpackhi_epi16(cmI, ykI));
     } else {
       const Rgb16 c = colour(yv, cb, cr);
-      const V zero = _mm256_setzero_si256(), max = _mm256_set1_epi16(255);
-      const V r = _mm256_min_epi16(_mm256_max_epi16(c.r, zero), max);
-      const V g = _mm256_min_epi16(_mm256_max_epi16(c.g, zero), max);
-      const V b = _mm256_min_epi16(_mm256_max_epi16(c.b, zero), max);
-      V p;
-      if constexpr (D == Dec::BGR555)
-        p = _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi16(b, 3), _mm256_slli_epi16(_mm256_srli_epi16(g, 3), 5)),
-                            _mm256_slli_epi16(_mm256_srli_epi16(r, 3), 10));
-      else
-        p = _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi16(b, 3), _mm256_slli_epi16(_mm256_srli_epi16(g, 2), 5)),
-                            _mm256_slli_epi16(_mm256_srli_epi16(r, 3), 11));
+      const V p = packBgr<D>(c.r, c.g, c.b);
       storeLanes(o0, o1, p);
     }
   }

@@ -1,8 +1,6 @@
 // MCU functions, decoding side: SSE4.1 fast bodies. Eight pixels of one row
 // per step in 16-bit lanes; one template over colour model and sampling.
-#include <smmintrin.h>
-
-#include "sample/mcu.h"
+#include "sample/mcu_simd.h"
 
 namespace zvp::mcu {
 
@@ -11,63 +9,16 @@ namespace {
 inline __m128i load8(const Zvp16s* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 inline __m128i load4(const Zvp16s* p) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)); }
 
-// Low 16 bits of each 32-bit lane of lo (lanes 0..3) and hi (lanes 4..7).
-inline __m128i low16(__m128i lo, __m128i hi) {
-  return _mm_packs_epi32(_mm_srai_epi32(_mm_slli_epi32(lo, 16), 16), _mm_srai_epi32(_mm_slli_epi32(hi, 16), 16));
-}
-
-// madd of interleaved (a, b) pairs with (ca, cb), bias added, then >> 14, as 16-bit lanes.
-inline __m128i term(__m128i a, __m128i b, __m128i coef, __m128i bias) {
-  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(a, b), coef), bias), 14);
-  const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(a, b), coef), bias), 14);
-  return low16(lo, hi);
-}
-
-inline __m128i pair(int16_t a, int16_t b) {
-  return _mm_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16) |
-                                             static_cast<uint16_t>(a)));
-}
-
 struct Rgb16 {
   __m128i r, g, b;  // y + d, wrapped at 16 bits, not yet limited
 };
-
-inline Rgb16 colour(__m128i y, __m128i cb, __m128i cr) {
-  const __m128i zero = _mm_setzero_si128(), bias = _mm_set1_epi32(kDecBias);
-  const __m128i dR = term(cr, zero, pair(22970, 0), bias);
-  const __m128i dG = term(cb, cr, pair(-5638, -11700), bias);
-  const __m128i dB = term(cb, zero, pair(29032, 0), bias);
-  return {_mm_add_epi16(y, dR), _mm_add_epi16(y, dG), _mm_add_epi16(y, dB)};
-}
-
-// Shuffle masks that interleave 8 pixels of three byte channels, held as
-// first = [c0 x8, c1 x8] and second = [c2 x8, ...], into 24 bytes; swap02
-// exchanges channels 0 and 2 in the output.
-struct MaskBytes {
-  alignas(16) int8_t a[32];
-  alignas(16) int8_t b[32];
-};
-constexpr MaskBytes makeMasks(bool swap02) {
-  MaskBytes m{};
-  for (int j = 0; j < 32; ++j) {
-    const int p = j / 3;
-    int c = j % 3;
-    if (swap02 && c != 1) c = 2 - c;
-    m.a[j] = static_cast<int8_t>(j < 24 && c < 2 ? 8 * c + p : -128);
-    m.b[j] = static_cast<int8_t>(j < 24 && c == 2 ? p : -128);
-  }
-  return m;
-}
-constexpr MaskBytes kMasks[2] = {makeMasks(false), makeMasks(true)};
 
 struct Interleave3 {
   __m128i a0, b0, a1, b1;  // bytes 0..15 and 16..23
 };
 inline Interleave3 interleave3Masks(bool swap02) {
   const MaskBytes& m = kMasks[swap02 ? 1 : 0];
-  return {_mm_load_si128(reinterpret_cast<const __m128i*>(m.a)), _mm_load_si128(reinterpret_cast<const __m128i*>(m.b)),
-          _mm_load_si128(reinterpret_cast<const __m128i*>(m.a + 16)),
-          _mm_load_si128(reinterpret_cast<const __m128i*>(m.b + 16))};
+  return {load128(m.a), load128(m.b), load128(m.a + 16), load128(m.b + 16)};
 }
 
 inline void store24(uint8_t* d, const Interleave3& m, __m128i first, __m128i second) {
@@ -111,7 +62,8 @@ void decodeSSE41(const Zvp16s* const* mcu, void* dst, int dstStep) {
         const __m128i second = _mm_packus_epi16(_mm_adds_epi16(cr, k128), _mm_setzero_si128());
         store24(row + 24 * g, m3, first, second);
       } else {
-        const Rgb16 c = colour(yv, cb, cr);
+        Rgb16 c;
+        colour(yv, cb, cr, c.r, c.g, c.b);
         if constexpr (D == Dec::RGB || D == Dec::BGR) {
           store24(row + 24 * g, m3, _mm_packus_epi16(c.r, c.g), _mm_packus_epi16(c.b, c.b));
         } else if constexpr (D == Dec::CMYK) {
@@ -124,17 +76,7 @@ void decodeSSE41(const Zvp16s* const* mcu, void* dst, int dstStep) {
           _mm_storeu_si128(reinterpret_cast<__m128i*>(row + 32 * g), _mm_unpacklo_epi16(cmI, ykI));
           _mm_storeu_si128(reinterpret_cast<__m128i*>(row + 32 * g + 16), _mm_unpackhi_epi16(cmI, ykI));
         } else {
-          const __m128i zero = _mm_setzero_si128(), max = _mm_set1_epi16(255);
-          const __m128i r = _mm_min_epi16(_mm_max_epi16(c.r, zero), max);
-          const __m128i gg = _mm_min_epi16(_mm_max_epi16(c.g, zero), max);
-          const __m128i b = _mm_min_epi16(_mm_max_epi16(c.b, zero), max);
-          __m128i p;
-          if constexpr (D == Dec::BGR555)
-            p = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(b, 3), _mm_slli_epi16(_mm_srli_epi16(gg, 3), 5)),
-                             _mm_slli_epi16(_mm_srli_epi16(r, 3), 10));
-          else
-            p = _mm_or_si128(_mm_or_si128(_mm_srli_epi16(b, 3), _mm_slli_epi16(_mm_srli_epi16(gg, 2), 5)),
-                             _mm_slli_epi16(_mm_srli_epi16(r, 3), 11));
+          const __m128i p = packBgr<D>(c.r, c.g, c.b);
           _mm_storeu_si128(reinterpret_cast<__m128i*>(row + 16 * g), p);
         }
       }

@@ -65,18 +65,9 @@ void packedToYccScalar(const Zvp16u* s, Zvp8u* y, Zvp8u* cb, Zvp8u* cr, int widt
 
 }  // namespace
 
-const EncKernels kEncScalar = {
-    rgbToYP3Scalar,
-    toYC3Scalar<false>,
-    toYC3Scalar<true>,
-    rgbToYccP3Scalar,
-    toYccC3Scalar<false>,
-    toYccC3Scalar<true>,
-    cmykToYcckP4Scalar,
-    cmykToYcckC4Scalar,
-    {packedToYccScalar<Packed::RGB555>, packedToYccScalar<Packed::BGR555>, packedToYccScalar<Packed::RGB565>,
-     packedToYccScalar<Packed::BGR565>},
-};
+const EncKernels kEncScalar =
+    ZVP_CC_ENC_KERNELS(Scalar, {packedToYccScalar<Packed::RGB555>, packedToYccScalar<Packed::BGR555>,
+                                packedToYccScalar<Packed::RGB565>, packedToYccScalar<Packed::BGR565>});
 
 }  // namespace zvp::cc
 
@@ -84,18 +75,6 @@ using namespace zvp::cc;
 using zvp::rowPtr;
 
 namespace {
-
-bool anyNull(const void* const* set, int n) {
-  if (!set) return true;
-  for (int i = 0; i < n; ++i)
-    if (!set[i]) return true;
-  return false;
-}
-
-ZvpStatus checkColour(bool nullSrc, bool nullDst, int srcStep, int dstStep, ZvpiSize roi) {
-  if (nullSrc || nullDst) return zvpStatusNullPointer;
-  return zvp::checkGroups({}, {srcStep, dstStep}, roi);
-}
 
 template <bool Bgr>
 void toYccTail(const Zvp8u* s, Zvp8u* y, Zvp8u* cb, Zvp8u* cr, int x) {

@@ -117,16 +117,8 @@ void toYC3(const Zvp8u* s, Zvp8u* d, int width) {
 
 }  // namespace
 
-const EncKernels kEncAVX2 = {
-    rgbToYP3,
-    toYC3<false>,
-    toYC3<true>,
-    rgbToYccP3,
-    toYccC3<false>,
-    toYccC3<true>,
-    cmykToYcckP4,
-    cmykToYcckC4,
-    {kEncSSE41.packedToYcc[0], kEncSSE41.packedToYcc[1], kEncSSE41.packedToYcc[2], kEncSSE41.packedToYcc[3]},
-};
+// The packed encoders keep their SSE4.1 form.
+const EncKernels kEncAVX2 = ZVP_CC_ENC_KERNELS(, {kEncSSE41.packedToYcc[0], kEncSSE41.packedToYcc[1],
+                                                   kEncSSE41.packedToYcc[2], kEncSSE41.packedToYcc[3]});
 
 }  // namespace zvp::cc

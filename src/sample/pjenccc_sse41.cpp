@@ -102,17 +102,7 @@ void packedToYcc(const Zvp16u* s, Zvp8u* y, Zvp8u* cb, Zvp8u* cr, int width) {
 
 }  // namespace
 
-const EncKernels kEncSSE41 = {
-    rgbToYP3,
-    toYC3<false>,
-    toYC3<true>,
-    rgbToYccP3,
-    toYccC3<false>,
-    toYccC3<true>,
-    cmykToYcckP4,
-    cmykToYcckC4,
-    {packedToYcc<Packed::RGB555>, packedToYcc<Packed::BGR555>, packedToYcc<Packed::RGB565>,
-     packedToYcc<Packed::BGR565>},
-};
+const EncKernels kEncSSE41 = ZVP_CC_ENC_KERNELS(, {packedToYcc<Packed::RGB555>, packedToYcc<Packed::BGR555>,
+                                                     packedToYcc<Packed::RGB565>, packedToYcc<Packed::BGR565>});
 
 }  // namespace zvp::cc

@@ -25,12 +25,10 @@ Px readPixel(const uint8_t* row, int x) {
     // Both pixels of a pair carry the pair's chroma.
     return {row[2 * x], row[4 * (x / 2) + 1], row[4 * (x / 2) + 3], 0};
   } else {
-    uint16_t p;
-    std::memcpy(&p, row + 2 * x, sizeof p);
-    if constexpr (E == Enc::BGR555)
-      return {((p >> 10) & 31) << 3, ((p >> 5) & 31) << 3, (p & 31) << 3, 0};
-    else
-      return {((p >> 11) & 31) << 3, ((p >> 5) & 63) << 2, (p & 31) << 3, 0};
+    uint16_t v;
+    std::memcpy(&v, row + 2 * x, sizeof v);
+    const cc::Rgb p = cc::unpack(packedLayout<E>(), v);
+    return {p.r, p.g, p.b, 0};
   }
 }
 

@@ -2,9 +2,7 @@
 // group of 8 pixels, as in the SSE4.1 kernels: the two halves of a 16-pixel
 // row, or two rows of a 444 MCU. The arithmetic is that of the SSE4.1
 // kernels; chroma sums of a 16-pixel row are joined across the lanes once.
-#include <immintrin.h>
-
-#include "sample/mcu.h"
+#include "sample/mcu_simd.h"
 
 namespace zvp::mcu {
 
@@ -12,51 +10,6 @@ namespace {
 
 using V = __m256i;
 
-inline V pair(int16_t a, int16_t b) {
-  return _mm256_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16) |
-                                                static_cast<uint16_t>(a)));
-}
-
-inline V dot(V a, V b, V c, V d, V cab, V ccd, int shift) {
-  const __m128i sh = _mm_cvtsi32_si128(shift);
-  const V lo = _mm256_add_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), cab),
-                                _mm256_madd_epi16(_mm256_unpacklo_epi16(c, d), ccd));
-  const V hi = _mm256_add_epi32(_mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), cab),
-                                _mm256_madd_epi16(_mm256_unpackhi_epi16(c, d), ccd));
-  return _mm256_packs_epi32(_mm256_sra_epi32(lo, sh), _mm256_sra_epi32(hi, sh));
-}
-
-struct GatherBytes {
-  alignas(16) int8_t lo[16];
-  alignas(16) int8_t hi[16];
-};
-constexpr GatherBytes makeGather(int size, int ch) {
-  GatherBytes g{};
-  for (int i = 0; i < 8; ++i) {
-    const int at = size * i + ch;
-    g.lo[2 * i] = static_cast<int8_t>(at < 16 ? at : -128);
-    g.hi[2 * i] = static_cast<int8_t>(at >= 16 ? at - 16 : -128);
-    g.lo[2 * i + 1] = g.hi[2 * i + 1] = -128;
-  }
-  return g;
-}
-constexpr GatherBytes kGather3[3] = {makeGather(3, 0), makeGather(3, 1), makeGather(3, 2)};
-constexpr GatherBytes kGather4[4] = {makeGather(4, 0), makeGather(4, 1), makeGather(4, 2), makeGather(4, 3)};
-constexpr GatherBytes makeGather422(int ch) {
-  GatherBytes g{};
-  for (int i = 0; i < 8; ++i) {
-    const int at = ch == 0 ? 2 * i : 4 * (i / 2) + (ch == 1 ? 1 : 3);
-    g.lo[2 * i] = static_cast<int8_t>(at);
-    g.lo[2 * i + 1] = -128;
-    g.hi[2 * i] = g.hi[2 * i + 1] = -128;
-  }
-  return g;
-}
-constexpr GatherBytes kGather422[3] = {makeGather422(0), makeGather422(1), makeGather422(2)};
-
-inline V bcast(const int8_t* p) {
-  return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(p)));
-}
 inline V gather(const GatherBytes& g, V lo, V hi) {
   return _mm256_or_si256(_mm256_shuffle_epi8(lo, bcast(g.lo)), _mm256_shuffle_epi8(hi, bcast(g.hi)));
 }
@@ -89,15 +42,9 @@ inline Px read2(const uint8_t* p0, const uint8_t* p1) {
     const V v = load16x2(p0, p1);
     return {gather(kGather422[0], v, v), gather(kGather422[1], v, v), gather(kGather422[2], v, v), zero};
   } else {
-    const V v = load16x2(p0, p1);
-    const V m5 = _mm256_set1_epi16(31);
-    const V b = _mm256_slli_epi16(_mm256_and_si256(v, m5), 3);
-    if constexpr (E == Enc::BGR555)
-      return {_mm256_slli_epi16(_mm256_and_si256(_mm256_srli_epi16(v, 10), m5), 3),
-              _mm256_slli_epi16(_mm256_and_si256(_mm256_srli_epi16(v, 5), m5), 3), b, zero};
-    else
-      return {_mm256_slli_epi16(_mm256_srli_epi16(v, 11), 3),
-              _mm256_slli_epi16(_mm256_and_si256(_mm256_srli_epi16(v, 5), _mm256_set1_epi16(63)), 2), b, zero};
+    Px px{};
+    unpackBgr<E>(load16x2(p0, p1), px.a, px.b, px.c);
+    return px;
   }
 }
 
@@ -113,20 +60,12 @@ inline void storeLanes(Zvp16s* p0, Zvp16s* p1, V v) {
 // Pair sums of lane 0 then of lane 1, as eight lanes of the low half.
 inline V pairSums(V v) { return _mm256_permute4x64_epi64(_mm256_hadd_epi16(v, v), 0x08); }
 
-template <Enc E>
-constexpr int bytesPerPixel() {
-  return (E == Enc::RGB || E == Enc::BGR || E == Enc::Down) ? 3 : (E == Enc::CMYK ? 4 : 2);
-}
-
 template <Enc E, Samp S>
 void encodeAVX2(const void* src, int srcStep, Zvp16s* const* mcu) {
   constexpr int W = mcuWidth(S), H = mcuHeight(S), M = chromaLog(S), BPP = bytesPerPixel<E>();
   constexpr bool kSampling = E == Enc::Down || E == Enc::Split422;
-  constexpr int kRound = chromaRound(E, S);
-  const V nLanes = _mm256_set1_epi16(static_cast<int16_t>(kRound == 8133 ? 1 : (1 << M)));
-  const int16_t rb = static_cast<int16_t>(kRound == 8133 ? 8133 : 8192);
-  const V cbAB = pair(-2764, -5428), cbCD = pair(8192, rb), crAB = pair(8192, -6860), crCD = pair(-1332, rb);
-  const V yAB = pair(4899, 9617), yCD = pair(1868, -8192), k255 = _mm256_set1_epi16(255);
+  const auto k = encCoefs<E, S>(_mm256_setzero_si256());
+  const V k255 = _mm256_set1_epi16(255);
   const V k128 = _mm256_set1_epi16(128);
   auto row = [&](int y) { return static_cast<const uint8_t*>(src) + static_cast<std::ptrdiff_t>(y) * srcStep; };
   auto chroma = [&](V sa, V sb, V sc) {
@@ -134,7 +73,7 @@ void encodeAVX2(const void* src, int srcStep, Zvp16s* const* mcu) {
       return CbCr{_mm256_sub_epi16(_mm256_srai_epi16(sb, M), k128),
                              _mm256_sub_epi16(_mm256_srai_epi16(sc, M), k128)};
     else
-      return CbCr{dot(sa, sb, sc, nLanes, cbAB, cbCD, 14 + M), dot(sa, sb, sc, nLanes, crAB, crCD, 14 + M)};
+      return CbCr{dot(sa, sb, sc, k.nLanes, k.cbAB, k.cbCD, 14 + M), dot(sa, sb, sc, k.nLanes, k.crAB, k.crCD, 14 + M)};
   };
 
   Px acc{};
@@ -145,7 +84,7 @@ void encodeAVX2(const void* src, int srcStep, Zvp16s* const* mcu) {
     if constexpr (kSampling)
       storeLanes(mcu[0] + li0, mcu[0] + li1, _mm256_sub_epi16(p.a, k128));
     else
-      storeLanes(mcu[0] + li0, mcu[0] + li1, dot(p.a, p.b, p.c, k255, yAB, yCD, 14));
+      storeLanes(mcu[0] + li0, mcu[0] + li1, dot(p.a, p.b, p.c, k255, k.yAB, k.yCD, 14));
     if constexpr (E == Enc::CMYK) storeLanes(mcu[3] + li0, mcu[3] + li1, _mm256_sub_epi16(p.k, k128));
     if constexpr (S == Samp::S444) {
       const auto [cb, cr] = chroma(p.a, p.b, p.c);

@@ -1,63 +1,14 @@
 // MCU functions, encoding side: SSE4.1 fast bodies. Eight pixels of one row
 // per step in 16-bit lanes; chroma sums by horizontal adds (and the row pair
 // for 411); one template over colour model and sampling.
-#include <smmintrin.h>
-
-#include "sample/mcu.h"
+#include "sample/mcu_simd.h"
 
 namespace zvp::mcu {
 
 namespace {
 
-inline __m128i pair(int16_t a, int16_t b) {
-  return _mm_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16) |
-                                             static_cast<uint16_t>(a)));
-}
-
-// (ca a + cb b + cc c + cd d) >> shift for eight lanes, as 16-bit values.
-inline __m128i dot(__m128i a, __m128i b, __m128i c, __m128i d, __m128i cab, __m128i ccd, int shift) {
-  const __m128i sh = _mm_cvtsi32_si128(shift);
-  const __m128i lo = _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(a, b), cab),
-                                   _mm_madd_epi16(_mm_unpacklo_epi16(c, d), ccd));
-  const __m128i hi = _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(a, b), cab),
-                                   _mm_madd_epi16(_mm_unpackhi_epi16(c, d), ccd));
-  return _mm_packs_epi32(_mm_sra_epi32(lo, sh), _mm_sra_epi32(hi, sh));
-}
-
-// Byte gathers that spread one channel of 8 pixels into 16-bit lanes.
-struct GatherBytes {
-  alignas(16) int8_t lo[16];
-  alignas(16) int8_t hi[16];
-};
-// 8 pixels of `size` bytes starting in lo (16 bytes) and continuing in hi.
-constexpr GatherBytes makeGather(int size, int ch) {
-  GatherBytes g{};
-  for (int i = 0; i < 8; ++i) {
-    const int at = size * i + ch;
-    g.lo[2 * i] = static_cast<int8_t>(at < 16 ? at : -128);
-    g.hi[2 * i] = static_cast<int8_t>(at >= 16 ? at - 16 : -128);
-    g.lo[2 * i + 1] = g.hi[2 * i + 1] = -128;
-  }
-  return g;
-}
-constexpr GatherBytes kGather3[3] = {makeGather(3, 0), makeGather(3, 1), makeGather(3, 2)};
-constexpr GatherBytes kGather4[4] = {makeGather(4, 0), makeGather(4, 1), makeGather(4, 2), makeGather(4, 3)};
-// Y Cb Y Cr: Y of pixel i at byte 2i, its pair's Cb at 4 (i / 2) + 1, Cr at 4 (i / 2) + 3.
-constexpr GatherBytes makeGather422(int ch) {
-  GatherBytes g{};
-  for (int i = 0; i < 8; ++i) {
-    const int at = ch == 0 ? 2 * i : 4 * (i / 2) + (ch == 1 ? 1 : 3);
-    g.lo[2 * i] = static_cast<int8_t>(at);
-    g.lo[2 * i + 1] = -128;
-    g.hi[2 * i] = g.hi[2 * i + 1] = -128;
-  }
-  return g;
-}
-constexpr GatherBytes kGather422[3] = {makeGather422(0), makeGather422(1), makeGather422(2)};
-
 inline __m128i gather(const GatherBytes& g, __m128i lo, __m128i hi) {
-  return _mm_or_si128(_mm_shuffle_epi8(lo, _mm_load_si128(reinterpret_cast<const __m128i*>(g.lo))),
-                      _mm_shuffle_epi8(hi, _mm_load_si128(reinterpret_cast<const __m128i*>(g.hi))));
+  return _mm_or_si128(_mm_shuffle_epi8(lo, load128(g.lo)), _mm_shuffle_epi8(hi, load128(g.hi)));
 }
 
 struct Px8 {
@@ -81,35 +32,20 @@ inline Px8 read8(const uint8_t* p) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     return {gather(kGather422[0], v, v), gather(kGather422[1], v, v), gather(kGather422[2], v, v), _mm_setzero_si128()};
   } else {
-    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i m5 = _mm_set1_epi16(31);
-    const __m128i b = _mm_slli_epi16(_mm_and_si128(v, m5), 3);
-    if constexpr (E == Enc::BGR555)
-      return {_mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(v, 10), m5), 3),
-              _mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(v, 5), m5), 3), b, _mm_setzero_si128()};
-    else
-      return {_mm_slli_epi16(_mm_srli_epi16(v, 11), 3),
-              _mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(v, 5), _mm_set1_epi16(63)), 2), b, _mm_setzero_si128()};
+    Px8 px{};
+    unpackBgr<E>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), px.a, px.b, px.c);
+    return px;
   }
 }
 
 inline void store8(Zvp16s* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
-template <Enc E>
-constexpr int bytesPerPixel() {
-  return (E == Enc::RGB || E == Enc::BGR || E == Enc::Down) ? 3 : (E == Enc::CMYK ? 4 : 2);
-}
-
 template <Enc E, Samp S>
 void encodeSSE41(const void* src, int srcStep, Zvp16s* const* mcu) {
   constexpr int W = mcuWidth(S), H = mcuHeight(S), M = chromaLog(S), BPP = bytesPerPixel<E>();
   constexpr bool kSampling = E == Enc::Down || E == Enc::Split422;
-  constexpr int kRound = chromaRound(E, S);
-  // The rounding term enters madd as (lane value) x (constant): n x 8192, or 1 x 8133.
-  const __m128i nLanes = _mm_set1_epi16(static_cast<int16_t>(kRound == 8133 ? 1 : (1 << M)));
-  const __m128i cbAB = pair(-2764, -5428), cbCD = pair(8192, static_cast<int16_t>(kRound == 8133 ? 8133 : 8192));
-  const __m128i crAB = pair(8192, -6860), crCD = pair(-1332, static_cast<int16_t>(kRound == 8133 ? 8133 : 8192));
-  const __m128i yAB = pair(4899, 9617), yCD = pair(1868, -8192), k255 = _mm_set1_epi16(255);
+  const auto k = encCoefs<E, S>(_mm_setzero_si128());
+  const __m128i k255 = _mm_set1_epi16(255);
   const __m128i k128 = _mm_set1_epi16(128);
 
   auto chroma = [&](__m128i sa, __m128i sb, __m128i sc, int cy) {
@@ -118,8 +54,8 @@ void encodeSSE41(const void* src, int srcStep, Zvp16s* const* mcu) {
       cb = _mm_sub_epi16(_mm_srai_epi16(sb, M), k128);
       cr = _mm_sub_epi16(_mm_srai_epi16(sc, M), k128);
     } else {
-      cb = dot(sa, sb, sc, nLanes, cbAB, cbCD, 14 + M);
-      cr = dot(sa, sb, sc, nLanes, crAB, crCD, 14 + M);
+      cb = dot(sa, sb, sc, k.nLanes, k.cbAB, k.cbCD, 14 + M);
+      cr = dot(sa, sb, sc, k.nLanes, k.crAB, k.crCD, 14 + M);
     }
     store8(mcu[1] + 8 * cy, cb);
     store8(mcu[2] + 8 * cy, cr);
@@ -136,7 +72,7 @@ void encodeSSE41(const void* src, int srcStep, Zvp16s* const* mcu) {
       if constexpr (kSampling)
         store8(mcu[0] + li, _mm_sub_epi16(p.a, k128));
       else
-        store8(mcu[0] + li, dot(p.a, p.b, p.c, k255, yAB, yCD, 14));
+        store8(mcu[0] + li, dot(p.a, p.b, p.c, k255, k.yAB, k.yCD, 14));
       if constexpr (E == Enc::CMYK) store8(mcu[3] + li, _mm_sub_epi16(p.k, k128));
     }
     if constexpr (S == Samp::S444) {
