@@ -438,6 +438,9 @@ bool directBits(const OwnpjDirectCursor& c, int s, uint32_t* v) {
 
 }  // namespace
 
+// Alike in shape to fastBlock, kept apart on purpose: here every failure has
+// its own status and a marker ends the block with the state kept, where the
+// fast body only gives up and leaves the block to this decoder.
 ZvpStatus ownpj_DecodeHuffman8x8_DirectCareful_JPEG_1u16s_C1(const Zvp8u* pSrc, int* pSrcBitsLen, Zvp16s* pDst,
                                                             Zvp16s* pLastDC, int* pMarker, Zvp32u* pPrefetchedBits,
                                                             int* pNumValidPrefetchedBits,
