@@ -607,38 +607,27 @@ struct Basis {
 };
 const Basis& basis() { static Basis b; return b; }
 
-void fdctDouble(const double in[64], double out[64]) {
+// out = A in A^T in double precision, with A the basis (forward) or its
+// transpose (inverse); the sums run in the same order for both.
+void separableDouble(const double in[64], double out[64], bool inverse) {
   const auto& C = basis().c;
+  auto a = [&](int i, int j) { return inverse ? C[j][i] : C[i][j]; };
   double t[64];
   for (int y = 0; y < 8; ++y)
     for (int v = 0; v < 8; ++v) {
       double s = 0;
-      for (int x = 0; x < 8; ++x) s += C[v][x] * in[8 * y + x];
+      for (int x = 0; x < 8; ++x) s += a(v, x) * in[8 * y + x];
       t[8 * y + v] = s;
     }
   for (int u = 0; u < 8; ++u)
     for (int v = 0; v < 8; ++v) {
       double s = 0;
-      for (int y = 0; y < 8; ++y) s += C[u][y] * t[8 * y + v];
+      for (int y = 0; y < 8; ++y) s += a(u, y) * t[8 * y + v];
       out[8 * u + v] = s;
     }
 }
-void idctDouble(const double in[64], double out[64]) {
-  const auto& C = basis().c;
-  double t[64];
-  for (int u = 0; u < 8; ++u)
-    for (int x = 0; x < 8; ++x) {
-      double s = 0;
-      for (int v = 0; v < 8; ++v) s += C[v][x] * in[8 * u + v];
-      t[8 * u + x] = s;
-    }
-  for (int y = 0; y < 8; ++y)
-    for (int x = 0; x < 8; ++x) {
-      double s = 0;
-      for (int u = 0; u < 8; ++u) s += C[u][y] * t[8 * u + x];
-      out[8 * y + x] = s;
-    }
-}
+void fdctDouble(const double in[64], double out[64]) { separableDouble(in, out, false); }
+void idctDouble(const double in[64], double out[64]) { separableDouble(in, out, true); }
 
 struct Figures {
   int peak = 0;

@@ -743,13 +743,19 @@ TEST(HuffmanDecode, PendingMarkerGoesCarefulAndSucceeds) {
   if (run.block(got) == zvpStatusOk) { EXPECT_EQ(0, std::memcmp(got, blocks[1].data(), 128)); }
 }
 
-TEST(HuffmanDecode, SourceEndsWithLoneFF) {
-  // Standard-like table: DC category 0 = "00", AC EOB = "1010"... built here.
+// The small tables of the marker tests: DC category 0 is "00" (the standard
+// luminance DC lengths), and the one AC code "00" is the end of block.
+void tinyTables(DecSpec& dc, DecSpec& ac) {
   uint8_t dcb[16] = {0, 1, 5, 1, 1, 1, 1, 1, 1}, dcv[12] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
   uint8_t acb[16] = {0, 1}, acv[1] = {0};
-  DecSpec dc, ac;
   ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(dcb, dcv, dc.p()), 0);
   ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(acb, acv, ac.p()), 0);
+}
+
+TEST(HuffmanDecode, SourceEndsWithLoneFF) {
+  // Standard-like table: DC category 0 = "00", AC EOB = "1010"... built here.
+  DecSpec dc, ac;
+  ASSERT_NO_FATAL_FAILURE(tinyTables(dc, ac));
   // Block "00 00" fits in the first byte; a lone 0xFF ends the source.
   uint8_t src[2] = {0x0F, 0xFF};
   DecState s;
@@ -1037,11 +1043,8 @@ TEST(HuffmanDecodeDirect, MarkerBeforeDcKeepsPosition) {
 
 TEST(HuffmanDecodeDirect, PresetMarkerUsesPrefetchedBits) {
   // DC "00" (category 0) and AC EOB "00": four zero bits make a block.
-  uint8_t dcb[16] = {0, 1, 5, 1, 1, 1, 1, 1, 1}, dcv[12] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
-  uint8_t acb[16] = {0, 1}, acv[1] = {0};
   DecSpec dc, ac;
-  ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(dcb, dcv, dc.p()), 0);
-  ASSERT_EQ(zvpiDecodeHuffmanSpecInit_JPEG_8u(acb, acv, ac.p()), 0);
+  ASSERT_NO_FATAL_FAILURE(tinyTables(dc, ac));
   uint8_t src[2] = {0xFF, 0xD9};
   int bp = 16, m = 0xD9, nb = 12;
   uint32_t pb = 0x0F0;  // 0000 1111 0000: one block, then 1111 0000

@@ -24,13 +24,15 @@ int divRevSSE41(const Zvp16u* pSrc, Zvp16u value, Zvp16u* pDst, int len) {
   int lead = (addr & 1) ? len : static_cast<int>(((16 - (addr & 15)) & 15) / 2);
   if (lead > len) lead = len;
   int i = 0;
-  for (; i < lead; ++i) {
+  // One element at a time: the unaligned head and the tail.
+  auto lone = [&](int j) {
     Zvp16u x;
-    std::memcpy(&x, pSrc + i, 2);
+    std::memcpy(&x, pSrc + j, 2);
     zero |= x == 0;
     const Zvp16u r = divLone(value, x);
-    std::memcpy(pDst + i, &r, 2);
-  }
+    std::memcpy(pDst + j, &r, 2);
+  };
+  for (; i < lead; ++i) lone(i);
   const __m128 v = _mm_set1_ps(static_cast<float>(value));
   const __m128i zeroV = _mm_setzero_si128();
   const __m128i ones = _mm_set1_epi16(1);
@@ -49,13 +51,7 @@ int divRevSSE41(const Zvp16u* pSrc, Zvp16u value, Zvp16u* pDst, int len) {
     _mm_store_si128(reinterpret_cast<__m128i*>(pDst + i), res);
   }
   zero |= !_mm_testz_si128(anyZero, anyZero);
-  for (; i < len; ++i) {
-    Zvp16u x;
-    std::memcpy(&x, pSrc + i, 2);
-    zero |= x == 0;
-    const Zvp16u r = divLone(value, x);
-    std::memcpy(pDst + i, &r, 2);
-  }
+  for (; i < len; ++i) lone(i);
   return zero;
 }
 

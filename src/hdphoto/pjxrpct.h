@@ -49,6 +49,66 @@ struct Lift {
     r = t;
   }
 
+  // The two mixed quadrants (a3 a2 b3 b2, and d0 c0 d1 c1) take the same
+  // rotation: p, q on the first row of the pair, r, s on the second.
+  static void fwdQuad(V& p, V& q, V& r, V& s) {
+    p = Ops::sub(p, s);
+    q = Ops::add(q, r);
+    s = Ops::add(s, halfUp(p));
+    r = Ops::sub(halfUp(q), r);
+    rot(p, q);
+    rot(r, s);
+    r = Ops::add(r, half(p));
+    s = Ops::sub(s, halfUp(q));
+    p = Ops::sub(p, r);
+    q = Ops::add(q, s);
+  }
+
+  // Undoes fwdQuad. Kept a body of its own on purpose: the lifting steps run
+  // in the opposite order with the opposite signs, so the roundings differ.
+  static void invQuad(V& p, V& q, V& r, V& s) {
+    p = Ops::add(p, r);
+    q = Ops::sub(q, s);
+    r = Ops::sub(r, half(p));
+    s = Ops::add(s, halfUp(q));
+    rot(q, p);
+    rot(s, r);
+    s = Ops::sub(s, halfUp(p));
+    r = Ops::sub(halfUp(q), r);
+    p = Ops::add(p, s);
+    q = Ops::sub(q, r);
+  }
+
+  // (3v + bias) >> k, the step of the odd-odd lifting pair.
+  template <int K>
+  static V lift3(V v, V bias) { return Ops::template sra<K>(Ops::add(times3(v), bias)); }
+
+  // Fourth quadrant (c2 c3 d2 d3): one frame around the one non-symmetric
+  // lifting pair. Its biases differ between the directions on purpose
+  // (forward 4, 3, 3 with signs + - +; inverse 3, 3, 4 with - + -), so the
+  // middle three steps stay written out per direction.
+  template <bool Forward>
+  static void oddQuad(V& c2, V& c3, V& d2, V& d3) {
+    d3 = Ops::add(c2, d3);
+    d2 = Ops::sub(d2, c3);
+    const V h = half(d3);
+    c2 = Ops::sub(c2, h);
+    const V g = half(d2);
+    V e = Ops::add(c3, g);
+    V f;
+    if (Forward) {
+      f = Ops::add(c2, lift3<3>(e, Ops::four()));
+      e = Ops::sub(e, lift3<2>(f, Ops::three()));
+    } else {
+      f = Ops::sub(c2, lift3<3>(e, Ops::three()));
+      e = Ops::add(e, lift3<2>(f, Ops::three()));
+    }
+    c3 = Ops::sub(e, g);
+    c2 = Ops::add(Forward ? Ops::add(f, lift3<3>(e, Ops::three())) : Ops::sub(f, lift3<3>(e, Ops::four())), h);
+    d2 = Ops::add(d2, c3);
+    d3 = Ops::sub(d3, c2);
+  }
+
   static void forward(V* x) {
     bfly<false>(x[A0], x[A3], x[D0], x[D3]);
     bfly<false>(x[A1], x[A2], x[D1], x[D2]);
@@ -57,86 +117,20 @@ struct Lift {
 
     bfly<true>(x[A0], x[A1], x[B0], x[B1]);
 
-    x[A3] = Ops::sub(x[A3], x[B2]);
-    x[A2] = Ops::add(x[A2], x[B3]);
-    x[B2] = Ops::add(x[B2], halfUp(x[A3]));
-    x[B3] = Ops::sub(halfUp(x[A2]), x[B3]);
-    rot(x[A3], x[A2]);
-    rot(x[B3], x[B2]);
-    x[B3] = Ops::add(x[B3], half(x[A3]));
-    x[B2] = Ops::sub(x[B2], halfUp(x[A2]));
-    x[A3] = Ops::sub(x[A3], x[B3]);
-    x[A2] = Ops::add(x[A2], x[B2]);
-
-    x[D0] = Ops::sub(x[D0], x[C1]);
-    x[C0] = Ops::add(x[C0], x[D1]);
-    x[C1] = Ops::add(x[C1], halfUp(x[D0]));
-    x[D1] = Ops::sub(halfUp(x[C0]), x[D1]);
-    rot(x[D0], x[C0]);
-    rot(x[D1], x[C1]);
-    x[D1] = Ops::add(x[D1], half(x[D0]));
-    x[C1] = Ops::sub(x[C1], halfUp(x[C0]));
-    x[D0] = Ops::sub(x[D0], x[D1]);
-    x[C0] = Ops::add(x[C0], x[C1]);
+    fwdQuad(x[A3], x[A2], x[B3], x[B2]);
+    fwdQuad(x[D0], x[C0], x[D1], x[C1]);
 
     x[C3] = Ops::neg(x[C3]);
 
-    // Fourth quadrant: the one non-symmetric lifting pair (biases 4, 3, 3
-    // with shifts 3, 2, 3).
     x[D2] = Ops::neg(x[D2]);
-    x[D3] = Ops::add(x[C2], x[D3]);
-    x[D2] = Ops::sub(x[D2], x[C3]);
-    const V h = half(x[D3]);
-    x[C2] = Ops::sub(x[C2], h);
-    const V g = half(x[D2]);
-    V e = Ops::add(x[C3], g);
-    const V f = Ops::add(x[C2], Ops::template sra<3>(Ops::add(times3(e), Ops::four())));
-    e = Ops::sub(e, Ops::template sra<2>(Ops::add(times3(f), Ops::three())));
-    x[C3] = Ops::sub(e, g);
-    x[C2] = Ops::add(Ops::add(f, Ops::template sra<3>(Ops::add(times3(e), Ops::three()))), h);
-    x[D2] = Ops::add(x[D2], x[C3]);
-    x[D3] = Ops::sub(x[D3], x[C2]);
+    oddQuad<true>(x[C2], x[C3], x[D2], x[D3]);
   }
 
   static void inverse(V* x) {
-    x[A3] = Ops::add(x[A3], x[B3]);
-    x[A2] = Ops::sub(x[A2], x[B2]);
-    x[B3] = Ops::sub(x[B3], half(x[A3]));
-    x[B2] = Ops::add(x[B2], halfUp(x[A2]));
-    x[A2] = Ops::sub(x[A2], m3over8(x[A3]));
-    x[A3] = Ops::add(x[A3], m3over8(x[A2]));
-    x[B2] = Ops::sub(x[B2], m3over8(x[B3]));
-    x[B3] = Ops::add(x[B3], m3over8(x[B2]));
-    x[B2] = Ops::sub(x[B2], halfUp(x[A3]));
-    x[B3] = Ops::sub(halfUp(x[A2]), x[B3]);
-    x[A3] = Ops::add(x[A3], x[B2]);
-    x[A2] = Ops::sub(x[A2], x[B3]);
+    invQuad(x[A3], x[A2], x[B3], x[B2]);
+    invQuad(x[D0], x[C0], x[D1], x[C1]);
 
-    x[D0] = Ops::add(x[D0], x[D1]);
-    x[C0] = Ops::sub(x[C0], x[C1]);
-    x[D1] = Ops::sub(x[D1], half(x[D0]));
-    x[C1] = Ops::add(x[C1], halfUp(x[C0]));
-    x[C0] = Ops::sub(x[C0], m3over8(x[D0]));
-    x[D0] = Ops::add(x[D0], m3over8(x[C0]));
-    x[C1] = Ops::sub(x[C1], m3over8(x[D1]));
-    x[D1] = Ops::add(x[D1], m3over8(x[C1]));
-    x[C1] = Ops::sub(x[C1], halfUp(x[D0]));
-    x[D1] = Ops::sub(halfUp(x[C0]), x[D1]);
-    x[D0] = Ops::add(x[D0], x[C1]);
-    x[C0] = Ops::sub(x[C0], x[D1]);
-
-    x[D3] = Ops::add(x[C2], x[D3]);
-    x[D2] = Ops::sub(x[D2], x[C3]);
-    const V h = half(x[D3]);
-    x[C2] = Ops::sub(x[C2], h);
-    const V g = half(x[D2]);
-    V e = Ops::add(x[C3], g);
-    const V f = Ops::sub(x[C2], Ops::template sra<3>(Ops::add(times3(e), Ops::three())));
-    e = Ops::add(e, Ops::template sra<2>(Ops::add(times3(f), Ops::three())));
-    x[C3] = Ops::sub(e, g);
-    x[C2] = Ops::add(Ops::sub(f, Ops::template sra<3>(Ops::add(times3(e), Ops::four()))), h);
-    x[D2] = Ops::add(x[D2], x[C3]);
-    x[D3] = Ops::sub(x[D3], x[C2]);
+    oddQuad<false>(x[C2], x[C3], x[D2], x[D3]);
     x[C3] = Ops::neg(x[C3]);
     x[D2] = Ops::neg(x[D2]);
 
@@ -220,6 +214,20 @@ inline ZvpStatus checkGeneric(const Zvp32s* p, int step, ZvpiSize roi) {
     return zvpStatusBadStep;
   if ((roi.width & 3) || (roi.height & 3)) return zvpStatusBadSize;
   return zvpStatusOk;
+}
+
+// The exported members of either direction, over its region worker: a
+// fixed-size block, or any multiple of 4 in both directions.
+template <ZvpStatus (*Region)(Zvp32s*, int, ZvpiSize)>
+inline ZvpStatus fixedMember(Zvp32s* p, int step, int width, int height) {
+  if (ZvpStatus st = checkFixed(p, step, width)) return st;
+  return Region(p, step, ZvpiSize{width, height});
+}
+
+template <ZvpStatus (*Region)(Zvp32s*, int, ZvpiSize)>
+inline ZvpStatus genericMember(Zvp32s* p, int step, ZvpiSize roi) {
+  if (ZvpStatus st = checkGeneric(p, step, roi)) return st;
+  return Region(p, step, roi);
 }
 
 }  // namespace zvp::pct

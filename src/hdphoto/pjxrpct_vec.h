@@ -13,17 +13,41 @@
 namespace zvp::pct {
 namespace {
 
-struct SseOps {
-  using V = __m128i;
-  static V add(V a, V b) { return _mm_add_epi32(a, b); }
-  static V sub(V a, V b) { return _mm_sub_epi32(a, b); }
-  static V neg(V a) { return _mm_sub_epi32(_mm_setzero_si128(), a); }
+// Lane arithmetic of both widths, written once in the compiler's vector
+// types: U (unsigned lanes) wraps, S (signed lanes) shifts arithmetically.
+template <class VT, class U, class S>
+struct LaneOps {
+  using V = VT;
+  static V add(V a, V b) { return V((U)a + (U)b); }
+  static V sub(V a, V b) { return V((U)a - (U)b); }
+  static V neg(V a) { return V(-(U)a); }
   template <int K>
-  static V sra(V a) { return _mm_srai_epi32(a, K); }
-  static V one() { return _mm_set1_epi32(1); }
-  static V three() { return _mm_set1_epi32(3); }
-  static V four() { return _mm_set1_epi32(4); }
+  static V sra(V a) { return V((S)a >> K); }
+  static V one() { return V(U{} + 1u); }
+  static V three() { return V(U{} + 3u); }
+  static V four() { return V(U{} + 4u); }
+};
 
+// 4x4 transpose of 32-bit lanes (within each 128-bit half), over the
+// unpack instructions of the width.
+template <class Ops, class V>
+inline void transpose4(V& r0, V& r1, V& r2, V& r3) {
+  const V t0 = Ops::lo32(r0, r1), t1 = Ops::hi32(r0, r1);
+  const V t2 = Ops::lo32(r2, r3), t3 = Ops::hi32(r2, r3);
+  r0 = Ops::lo64(t0, t2);
+  r1 = Ops::hi64(t0, t2);
+  r2 = Ops::lo64(t1, t3);
+  r3 = Ops::hi64(t1, t3);
+}
+
+// The register types without the may_alias attribute of __m128i/__m256i
+// (values only, never reached through a pointer), so they can be template
+// arguments; they convert to and from the intrinsic types freely.
+typedef long long I64x2 __attribute__((vector_size(16)));
+typedef uint32_t U32x4 __attribute__((vector_size(16)));
+typedef int32_t S32x4 __attribute__((vector_size(16)));
+
+struct SseOps : LaneOps<I64x2, U32x4, S32x4> {
   static constexpr int kBlocks = 4;
   static V loadRow(Zvp32s* const* b, int step, int r, int k) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(b[k], step, r, 0)));
@@ -31,29 +55,19 @@ struct SseOps {
   static void storeRow(Zvp32s* const* b, int step, int r, int k, V v) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at(b[k], step, r, 0)), v);
   }
-  static void transpose(V& r0, V& r1, V& r2, V& r3) {
-    const V t0 = _mm_unpacklo_epi32(r0, r1), t1 = _mm_unpackhi_epi32(r0, r1);
-    const V t2 = _mm_unpacklo_epi32(r2, r3), t3 = _mm_unpackhi_epi32(r2, r3);
-    r0 = _mm_unpacklo_epi64(t0, t2);
-    r1 = _mm_unpackhi_epi64(t0, t2);
-    r2 = _mm_unpacklo_epi64(t1, t3);
-    r3 = _mm_unpackhi_epi64(t1, t3);
-  }
+  static V lo32(V a, V b) { return _mm_unpacklo_epi32(a, b); }
+  static V hi32(V a, V b) { return _mm_unpackhi_epi32(a, b); }
+  static V lo64(V a, V b) { return _mm_unpacklo_epi64(a, b); }
+  static V hi64(V a, V b) { return _mm_unpackhi_epi64(a, b); }
 };
 
 #if defined(__AVX2__)
-// Lanes 0..3 of each 128-bit half: blocks k (low half) and k + 4 (high half).
-struct AvxOps {
-  using V = __m256i;
-  static V add(V a, V b) { return _mm256_add_epi32(a, b); }
-  static V sub(V a, V b) { return _mm256_sub_epi32(a, b); }
-  static V neg(V a) { return _mm256_sub_epi32(_mm256_setzero_si256(), a); }
-  template <int K>
-  static V sra(V a) { return _mm256_srai_epi32(a, K); }
-  static V one() { return _mm256_set1_epi32(1); }
-  static V three() { return _mm256_set1_epi32(3); }
-  static V four() { return _mm256_set1_epi32(4); }
+typedef long long I64x4 __attribute__((vector_size(32)));
+typedef uint32_t U32x8 __attribute__((vector_size(32)));
+typedef int32_t S32x8 __attribute__((vector_size(32)));
 
+// Lanes 0..3 of each 128-bit half: blocks k (low half) and k + 4 (high half).
+struct AvxOps : LaneOps<I64x4, U32x8, S32x8> {
   static constexpr int kBlocks = 8;
   static V loadRow(Zvp32s* const* b, int step, int r, int k) {
     const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(b[k], step, r, 0)));
@@ -64,14 +78,10 @@ struct AvxOps {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at(b[k], step, r, 0)), _mm256_castsi256_si128(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at(b[k + 4], step, r, 0)), _mm256_extracti128_si256(v, 1));
   }
-  static void transpose(V& r0, V& r1, V& r2, V& r3) {
-    const V t0 = _mm256_unpacklo_epi32(r0, r1), t1 = _mm256_unpackhi_epi32(r0, r1);
-    const V t2 = _mm256_unpacklo_epi32(r2, r3), t3 = _mm256_unpackhi_epi32(r2, r3);
-    r0 = _mm256_unpacklo_epi64(t0, t2);
-    r1 = _mm256_unpackhi_epi64(t0, t2);
-    r2 = _mm256_unpacklo_epi64(t1, t3);
-    r3 = _mm256_unpackhi_epi64(t1, t3);
-  }
+  static V lo32(V a, V b) { return _mm256_unpacklo_epi32(a, b); }
+  static V hi32(V a, V b) { return _mm256_unpackhi_epi32(a, b); }
+  static V lo64(V a, V b) { return _mm256_unpacklo_epi64(a, b); }
+  static V hi64(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
 };
 #endif
 
@@ -83,7 +93,7 @@ inline void blocksPass(Zvp32s* const* b, int step) {
   for (int r = 0; r < 4; ++r) {
     V q0 = Ops::loadRow(b, step, r, 0), q1 = Ops::loadRow(b, step, r, 1);
     V q2 = Ops::loadRow(b, step, r, 2), q3 = Ops::loadRow(b, step, r, 3);
-    Ops::transpose(q0, q1, q2, q3);
+    transpose4<Ops>(q0, q1, q2, q3);
     x[4 * r + 0] = q0;
     x[4 * r + 1] = q1;
     x[4 * r + 2] = q2;
@@ -95,7 +105,7 @@ inline void blocksPass(Zvp32s* const* b, int step) {
     Lift<Ops>::inverse(x);
   for (int r = 0; r < 4; ++r) {
     V q0 = x[4 * r + 0], q1 = x[4 * r + 1], q2 = x[4 * r + 2], q3 = x[4 * r + 3];
-    Ops::transpose(q0, q1, q2, q3);
+    transpose4<Ops>(q0, q1, q2, q3);
     Ops::storeRow(b, step, r, 0, q0);
     Ops::storeRow(b, step, r, 1, q1);
     Ops::storeRow(b, step, r, 2, q2);

@@ -9,21 +9,17 @@ ZvpStatus owniPCTInv_HDP_32s_C1IR(Zvp32s* pSrcDst, int srcDstStep, ZvpiSize roiS
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiPCTInv16x16_HDP_32s_C1IR(Zvp32s* pSrcDst, int srcDstStep) {
-  if (ZvpStatus st = zvp::pct::checkFixed(pSrcDst, srcDstStep, 16)) return st;
-  return owniPCTInv_HDP_32s_C1IR(pSrcDst, srcDstStep, ZvpiSize{16, 16});
+  return zvp::pct::fixedMember<owniPCTInv_HDP_32s_C1IR>(pSrcDst, srcDstStep, 16, 16);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiPCTInv8x16_HDP_32s_C1IR(Zvp32s* pSrcDst, int srcDstStep) {
-  if (ZvpStatus st = zvp::pct::checkFixed(pSrcDst, srcDstStep, 8)) return st;
-  return owniPCTInv_HDP_32s_C1IR(pSrcDst, srcDstStep, ZvpiSize{8, 16});
+  return zvp::pct::fixedMember<owniPCTInv_HDP_32s_C1IR>(pSrcDst, srcDstStep, 8, 16);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiPCTInv8x8_HDP_32s_C1IR(Zvp32s* pSrcDst, int srcDstStep) {
-  if (ZvpStatus st = zvp::pct::checkFixed(pSrcDst, srcDstStep, 8)) return st;
-  return owniPCTInv_HDP_32s_C1IR(pSrcDst, srcDstStep, ZvpiSize{8, 8});
+  return zvp::pct::fixedMember<owniPCTInv_HDP_32s_C1IR>(pSrcDst, srcDstStep, 8, 8);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiPCTInv_HDP_32s_C1IR(Zvp32s* pSrcDst, int srcDstStep, ZvpiSize roiSize) {
-  if (ZvpStatus st = zvp::pct::checkGeneric(pSrcDst, srcDstStep, roiSize)) return st;
-  return owniPCTInv_HDP_32s_C1IR(pSrcDst, srcDstStep, roiSize);
+  return zvp::pct::genericMember<owniPCTInv_HDP_32s_C1IR>(pSrcDst, srcDstStep, roiSize);
 }

@@ -146,6 +146,22 @@ namespace {
 
 inline void clearBlock(Zvp16s* pDst) { std::memset(pDst, 0, 64 * sizeof(Zvp16s)); }
 
+// Byte-by-byte refill, shared by both readers: until more than 24 bits are
+// held; a 0xFF not followed by a stuffed 0 (a marker) gives up.
+template <class Reader>
+inline bool refillBytes(Reader& r) {
+  while (r.n <= 24) {
+    uint64_t b = r.src[r.pos++];
+    if (b == 0xFF) {
+      if (r.src[r.pos] != 0) return false;
+      ++r.pos;
+    }
+    r.acc |= b << (56 - r.n);
+    r.n += 8;
+  }
+  return true;
+}
+
 // Bulk refill of the stateful decoder: false means give up.
 struct StreamReader {
   const uint8_t* src;
@@ -168,16 +184,7 @@ struct StreamReader {
       pos += k;
       return true;
     }
-    while (n <= 24) {
-      uint64_t b = src[pos++];
-      if (b == 0xFF) {
-        if (src[pos] != 0) return false;
-        ++pos;
-      }
-      acc |= b << (56 - n);
-      n += 8;
-    }
-    return true;
+    return refillBytes(*this);
   }
 };
 
@@ -203,16 +210,7 @@ struct DirectReader {
         return true;
       }
     }
-    while (n <= 24) {
-      uint64_t b = src[pos++];
-      if (b == 0xFF) {
-        if (src[pos] != 0) return false;
-        ++pos;
-      }
-      acc |= b << (56 - n);
-      n += 8;
-    }
-    return true;
+    return refillBytes(*this);
   }
 };
 
@@ -440,6 +438,9 @@ bool directBits(const OwnpjDirectCursor& c, int s, uint32_t* v) {
 
 }  // namespace
 
+// Alike in shape to fastBlock, kept apart on purpose: here every failure has
+// its own status and a marker ends the block with the state kept, where the
+// fast body only gives up and leaves the block to this decoder.
 ZvpStatus ownpj_DecodeHuffman8x8_DirectCareful_JPEG_1u16s_C1(const Zvp8u* pSrc, int* pSrcBitsLen, Zvp16s* pDst,
                                                             Zvp16s* pLastDC, int* pMarker, Zvp32u* pPrefetchedBits,
                                                             int* pNumValidPrefetchedBits,

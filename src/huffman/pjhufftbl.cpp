@@ -220,58 +220,77 @@ ZvpStatus ownpj_EncodeHuffmanRawTableInit(const Zvp32s* pStatistics, Zvp8u* pLis
   return zvpStatusOk;
 }
 
-extern "C" ZVPJ_API ZvpStatus zvpiDecodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize) {
+namespace {
+
+// The members shared by the decoder and the encoder table records: size,
+// init, init into fresh memory, free. One body each, over the record type.
+template <int Size>
+ZvpStatus specBufSize(int* pSize) {
   if (!pSize) return zvpStatusNullPointer;
-  *pSize = ZVPJ_DECODE_HUFFMAN_SPEC_SIZE;
+  *pSize = Size;
   return zvpStatusOk;
+}
+
+template <class Spec, ZvpStatus (*Init)(const Zvp8u*, const Zvp8u*, Spec*)>
+ZvpStatus specInit(const Zvp8u* pListBits, const Zvp8u* pListVals, Spec* pSpec) {
+  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, pSpec})) return st;
+  return Init(pListBits, pListVals, pSpec);
+}
+
+template <class Spec, int Size, ZvpStatus (*Init)(const Zvp8u*, const Zvp8u*, Spec*)>
+ZvpStatus specInitAlloc(const Zvp8u* pListBits, const Zvp8u* pListVals, Spec** ppSpec) {
+  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, ppSpec})) return st;
+  auto* spec = reinterpret_cast<Spec*>(zvpsMalloc_8u(Size));
+  if (!spec) return zvpStatusNullPointer;
+  *ppSpec = spec;  // stays stored, and owned by the caller, also when the lists fail
+  return Init(pListBits, pListVals, spec);
+}
+
+template <class Spec>
+ZvpStatus specFree(Spec* pSpec) {
+  if (!pSpec) return zvpStatusNullPointer;
+  zvpsFree(pSpec);
+  return zvpStatusOk;
+}
+
+}  // namespace
+
+extern "C" ZVPJ_API ZvpStatus zvpiDecodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize) {
+  return specBufSize<ZVPJ_DECODE_HUFFMAN_SPEC_SIZE>(pSize);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiDecodeHuffmanSpecInit_JPEG_8u(const Zvp8u* pListBits, const Zvp8u* pListVals,
                                                                 ZvpiDecodeHuffmanSpec* pDecHuffSpec) {
-  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, pDecHuffSpec})) return st;
-  return ownpj_DecodeHuffmanSpecInit(pListBits, pListVals, pDecHuffSpec);
+  return specInit<ZvpiDecodeHuffmanSpec, ownpj_DecodeHuffmanSpecInit>(pListBits, pListVals, pDecHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiDecodeHuffmanSpecInitAlloc_JPEG_8u(const Zvp8u* pListBits, const Zvp8u* pListVals,
                                                                      ZvpiDecodeHuffmanSpec** ppDecHuffSpec) {
-  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, ppDecHuffSpec})) return st;
-  auto* spec = reinterpret_cast<ZvpiDecodeHuffmanSpec*>(zvpsMalloc_8u(ZVPJ_DECODE_HUFFMAN_SPEC_SIZE));
-  if (!spec) return zvpStatusNullPointer;
-  *ppDecHuffSpec = spec;  // stays stored, and owned by the caller, also when the lists fail
-  return ownpj_DecodeHuffmanSpecInit(pListBits, pListVals, spec);
+  return specInitAlloc<ZvpiDecodeHuffmanSpec, ZVPJ_DECODE_HUFFMAN_SPEC_SIZE, ownpj_DecodeHuffmanSpecInit>(
+      pListBits, pListVals, ppDecHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiDecodeHuffmanSpecFree_JPEG_8u(ZvpiDecodeHuffmanSpec* pDecHuffSpec) {
-  if (!pDecHuffSpec) return zvpStatusNullPointer;
-  zvpsFree(pDecHuffSpec);
-  return zvpStatusOk;
+  return specFree(pDecHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiEncodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize) {
-  if (!pSize) return zvpStatusNullPointer;
-  *pSize = ZVPJ_ENCODE_HUFFMAN_SPEC_SIZE;
-  return zvpStatusOk;
+  return specBufSize<ZVPJ_ENCODE_HUFFMAN_SPEC_SIZE>(pSize);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiEncodeHuffmanSpecInit_JPEG_8u(const Zvp8u* pListBits, const Zvp8u* pListVals,
                                                                 ZvpiEncodeHuffmanSpec* pEncHuffSpec) {
-  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, pEncHuffSpec})) return st;
-  return ownpj_EncodeHuffmanSpecInit(pListBits, pListVals, pEncHuffSpec);
+  return specInit<ZvpiEncodeHuffmanSpec, ownpj_EncodeHuffmanSpecInit>(pListBits, pListVals, pEncHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiEncodeHuffmanSpecInitAlloc_JPEG_8u(const Zvp8u* pListBits, const Zvp8u* pListVals,
                                                                      ZvpiEncodeHuffmanSpec** ppEncHuffSpec) {
-  if (ZvpStatus st = zvp::checkTables({pListBits, pListVals, ppEncHuffSpec})) return st;
-  auto* spec = reinterpret_cast<ZvpiEncodeHuffmanSpec*>(zvpsMalloc_8u(ZVPJ_ENCODE_HUFFMAN_SPEC_SIZE));
-  if (!spec) return zvpStatusNullPointer;
-  *ppEncHuffSpec = spec;
-  return ownpj_EncodeHuffmanSpecInit(pListBits, pListVals, spec);
+  return specInitAlloc<ZvpiEncodeHuffmanSpec, ZVPJ_ENCODE_HUFFMAN_SPEC_SIZE, ownpj_EncodeHuffmanSpecInit>(
+      pListBits, pListVals, ppEncHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiEncodeHuffmanSpecFree_JPEG_8u(ZvpiEncodeHuffmanSpec* pEncHuffSpec) {
-  if (!pEncHuffSpec) return zvpStatusNullPointer;
-  zvpsFree(pEncHuffSpec);
-  return zvpStatusOk;
+  return specFree(pEncHuffSpec);
 }
 
 extern "C" ZVPJ_API ZvpStatus zvpiEncodeHuffmanRawTableInit_JPEG_8u(const Zvp32s* pStatistics, Zvp8u* pListBits,

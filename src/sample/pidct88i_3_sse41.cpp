@@ -48,6 +48,32 @@ inline __m128i adds(__m128i a, __m128i b) { return _mm_adds_epi16(a, b); }
 inline __m128i subs(__m128i a, __m128i b) { return _mm_subs_epi16(a, b); }
 inline __m128i mulhi(__m128i a, int16_t k) { return _mm_mulhi_epi16(a, _mm_set1_epi16(k)); }
 
+// The odd half of the inverse column pass (rows 1, 3, 5, 7): a + b, a - b,
+// d + c and d - c.
+struct OddCol {
+  __m128i ab, amb, dc, dmc;
+};
+inline OddCol invOddCol(__m128i r1, __m128i r3, __m128i r5, __m128i r7) {
+  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
+  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
+  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
+  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
+  return {adds(a, b), subs(a, b), adds(d, c), subs(d, c)};
+}
+
+// The parts of the full inverse column pass besides rows 0 and 4: the odd
+// sums ab and dc, the even rotation e, f of rows 2 and 6, and g, h.
+struct ColParts {
+  __m128i ab, dc, e, f, g, h;
+};
+inline ColParts invColParts(__m128i r1, __m128i r2, __m128i r3, __m128i r5, __m128i r6, __m128i r7) {
+  const OddCol o = invOddCol(r1, r3, r5, r7);
+  const __m128i e = adds(mulhi(r6, _tg_2_16), r2);
+  const __m128i f = subs(mulhi(r2, _tg_2_16), r6);
+  const __m128i X = adds(o.amb, o.dmc), Y = subs(o.amb, o.dmc);
+  return {o.ab, o.dc, e, f, adds(X, mulhi(X, _cos_4_16)), adds(Y, mulhi(Y, _cos_4_16))};
+}
+
 }  // namespace
 
 namespace {
@@ -63,15 +89,8 @@ inline void invRegs(const __m128i x[8], Zvp16s* pDst) {
   const __m128i r5 = invRowV(x[5], w3, _round_i[5]);
   const __m128i r6 = invRowV(x[6], w2, _round_i[6]);
   const __m128i r7 = invRowV(x[7], w1, _round_i[7]);
-  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
-  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
-  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
-  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
-  const __m128i e = adds(mulhi(r6, _tg_2_16), r2);
-  const __m128i f = subs(mulhi(r2, _tg_2_16), r6);
-  const __m128i ab = adds(a, b), amb = subs(a, b), dc = adds(d, c), dmc = subs(d, c);
-  const __m128i X = adds(amb, dmc), Y = subs(amb, dmc);
-  const __m128i g = adds(X, mulhi(X, _cos_4_16)), h = adds(Y, mulhi(Y, _cos_4_16));
+  const ColParts cp = invColParts(r1, r2, r3, r5, r6, r7);
+  const __m128i ab = cp.ab, dc = cp.dc, e = cp.e, f = cp.f, g = cp.g, h = cp.h;
   const __m128i s = adds(r0, r4), t = subs(r0, r4);
   const __m128i se = adds(s, e), sme = subs(s, e), tf = adds(t, f), tmf = subs(t, f);
   st8(pDst + 0, _mm_srai_epi16(adds(se, ab), 6));
@@ -234,15 +253,8 @@ void to4x4SSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
   const __m128i r0 = r01, r1 = _mm_srli_si128(r01, 8), r2 = r23, r3 = _mm_srli_si128(r23, 8);
   const __m128i r5 = r56, r6 = _mm_srli_si128(r56, 8);
   // Column pass in the low 4 lanes.
-  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
-  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
-  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
-  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
-  const __m128i e = adds(mulhi(r6, _tg_2_16), r2);
-  const __m128i f = subs(mulhi(r2, _tg_2_16), r6);
-  const __m128i ab = adds(a, b), amb = subs(a, b), dc = adds(d, c), dmc = subs(d, c);
-  const __m128i X = adds(amb, dmc), Y = subs(amb, dmc);
-  const __m128i g = adds(X, mulhi(X, _cos_4_16)), h = adds(Y, mulhi(Y, _cos_4_16));
+  const ColParts cp = invColParts(r1, r2, r3, r5, r6, r7);
+  const __m128i ab = cp.ab, dc = cp.dc, e = cp.e, f = cp.f, g = cp.g, h = cp.h;
   const __m128i ef = adds(f, e), p = adds(g, ab), q = adds(h, dc), w = adds(r0, r0);
   const __m128i u = adds(ef, w), v = subs(w, ef);
   const __m128i o0 = _mm_srai_epi16(adds(p, u), 6), o1 = _mm_srai_epi16(adds(q, v), 6);
@@ -269,11 +281,8 @@ void to2x2SSE41(const Zvp16s* pSrc, Zvp16s* pDst) {
   const __m128i r3 = _mm_packs_epi32(row(3, 19266, 17457, -6130, 4096, -3472, 3408), z);
   const __m128i r5 = _mm_packs_epi32(row(5, 19266, 17457, -6130, 4096, -3472, 910), z);
   const __m128i r7 = _mm_packs_epi32(row(7, 22725, 20592, -7231, 4832, -4096, 746), z);
-  const __m128i a = adds(mulhi(r7, _tg_1_16), r1);
-  const __m128i d = subs(mulhi(r1, _tg_1_16), r7);
-  const __m128i b = adds(adds(mulhi(r5, _tg_3_16), r5), r3);
-  const __m128i c = subs(r5, adds(mulhi(r3, _tg_3_16), r3));
-  const __m128i ab = adds(a, b), amb = subs(a, b), dc = adds(d, c);
+  const OddCol o = invOddCol(r1, r3, r5, r7);
+  const __m128i ab = o.ab, amb = o.amb, dc = o.dc;
   const __m128i g = adds(amb, mulhi(amb, _cos_4_16));
   const __m128i Z = adds(adds(ab, dc), adds(g, g));
   const __m128i w1 = adds(r0, r0), w = adds(w1, w1);

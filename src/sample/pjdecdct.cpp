@@ -96,47 +96,38 @@ void dct_quant_inv8x8_1x1_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const
 
 // After the column pass (a shift right by 6) every value lies within
 // -512..511, so the saturating +128 of the reduced members is the wrapping one
-// of the clip kernel: the 8x8 store goes through it.
-void dct_quant_inv8x8_2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
+// of the clip kernel: the 8x8 store goes through it. N (2 or 4) is the corner
+// of coefficients used.
+template <int N>
+void dct_quant_inv8x8_NxN_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
+  static_assert(N == 2 || N == 4);
   alignas(16) int16_t b[64];
 #if !defined(ZVP_NO_X86)
   if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
-    zvp::dct::invCornerQuantSSE41<2>(pSrc, pQuantInvTable, b);
+    zvp::dct::invCornerQuantSSE41<N>(pSrc, pQuantInvTable, b);
     return own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
   }
 #endif
-  dequant(pSrc, pQuantInvTable, b, 16);  // rows 0 and 1
-  dct_8x8_inv_2x2_16s(b, b);
+  dequant(pSrc, pQuantInvTable, b, 8 * N);  // rows 0 to N - 1
+  if (N == 2)
+    dct_8x8_inv_2x2_16s(b, b);
+  else
+    dct_8x8_inv_4x4_16s(b, b);
   own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
 }
 
-void dct_quant_inv8x8_4x4_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
-  alignas(16) int16_t b[64];
-#if !defined(ZVP_NO_X86)
-  if (zvp::cpuIsa() >= zvp::Isa::SSE41) {
-    zvp::dct::invCornerQuantSSE41<4>(pSrc, pQuantInvTable, b);
-    return own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
-  }
-#endif
-  dequant(pSrc, pQuantInvTable, b, 32);  // rows 0 to 3
-  dct_8x8_inv_4x4_16s(b, b);
-  own_8x8_LSClip_16s8u(b, pDst, dstStep, 128, 0, 255);
-}
-
-void dct_quant_inv8x8To2x2_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
+// The downscaling members: an NxN block out of the full inverse.
+template <int N>
+void dct_quant_inv8x8ToNxN_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
+  static_assert(N == 2 || N == 4);
   alignas(16) int16_t b[64];
   ownpj_QuantInv_8x8_16s(pSrc, b, pQuantInvTable);
-  int16_t o[4];
-  dct_8x8To2x2_inv_16s(b, o);
-  store128(o, 2, pDst, dstStep);
-}
-
-void dct_quant_inv8x8To4x4_ls(const Zvp16s* pSrc, Zvp8u* pDst, int dstStep, const Zvp16u* pQuantInvTable) {
-  alignas(16) int16_t b[64];
-  ownpj_QuantInv_8x8_16s(pSrc, b, pQuantInvTable);
-  int16_t o[16];
-  dct_8x8To4x4_inv_16s(b, o);
-  store128(o, 4, pDst, dstStep);
+  int16_t o[N * N];
+  if (N == 2)
+    dct_8x8To2x2_inv_16s(b, o);
+  else
+    dct_8x8To4x4_inv_16s(b, o);
+  store128(o, N, pDst, dstStep);
 }
 
 namespace {
@@ -189,10 +180,10 @@ extern "C" ZVPJ_API ZvpStatus zvpiDCTQuantInv8x8_JPEG_16s_C1I(Zvp16s* pSrcDst, c
   }
 
 ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R, dct_quant_inv8x8_1x1_ls)
-ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, dct_quant_inv8x8_2x2_ls)
-ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R, dct_quant_inv8x8_4x4_ls)
-ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R, dct_quant_inv8x8To2x2_ls)
-ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R, dct_quant_inv8x8To4x4_ls)
+ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, dct_quant_inv8x8_NxN_ls<2>)
+ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R, dct_quant_inv8x8_NxN_ls<4>)
+ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R, dct_quant_inv8x8ToNxN_ls<2>)
+ZVP_INV_LS_MEMBER(zvpiDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R, dct_quant_inv8x8ToNxN_ls<4>)
 
 extern "C" ZVPJ_API ZvpStatus zvpiDCTQuantInv8x8LS_JPEG_16s16u_C1R(const Zvp16s* pSrc, Zvp16u* pDst, int dstStep,
                                                                    const Zvp32f* pQuantInvTable) {

@@ -16,36 +16,56 @@ extern const float CONST_TABLE[6] = {0.70710677f, 0.41421357f, 1.4142135f, 0.765
 
 namespace {
 
+// Compile-time cosine and square root: a Taylor series and Newton steps in
+// long double, rounded once to double. For the arguments below they give the
+// very doubles of the C library's cos and sqrt (checked by a test).
+constexpr double constCos(double x) {
+  const long double y = x, y2 = y * y;
+  long double term = 1, sum = 1;
+  for (int n = 1; n < 40; ++n) {
+    term = -term * y2 / ((2 * n - 1) * (2 * n));
+    sum += term;
+  }
+  return static_cast<double>(sum);
+}
+constexpr double constSqrt(double x) {
+  long double r = x > 1 ? x : 1;
+  for (int i = 0; i < 200; ++i) r = (r + x / r) / 2;
+  return static_cast<double>(r);
+}
+
+// The normalisation of the float transforms, built at compile time in double
+// precision and rounded once to float.
 struct NormTables {
   float frw[64], inv[64];
-  NormTables() {
-    const double pi = 3.14159265358979323846;
-    const double K = 1.082392200292394;
-    double g[8], h[8];
-    for (int k = 0; k < 8; ++k) {
-      const double ck = std::cos(k * pi / 16);
-      if (k == 0 || k == 4) {
-        g[k] = 1;
-        h[k] = 1;
-      } else if (k == 2 || k == 6) {
-        g[k] = 1 / (std::sqrt(2.0) * ck);
-        h[k] = std::sqrt(2.0) * ck;
-      } else {
-        g[k] = 1 / (K * std::sqrt(2.0) * ck);
-        h[k] = 2 * std::cos(pi / 8) * std::sqrt(2.0) * ck;
-      }
-    }
-    for (int u = 0; u < 8; ++u)
-      for (int v = 0; v < 8; ++v) {
-        frw[8 * u + v] = static_cast<float>(0.125 * g[u] * g[v]);
-        inv[8 * u + v] = static_cast<float>(0.125 * h[u] * h[v]);
-      }
-  }
 };
-const NormTables& norms() {
-  static const NormTables t;
+constexpr NormTables makeNorms() {
+  NormTables t{};
+  const double pi = 3.14159265358979323846;
+  const double K = 1.082392200292394;
+  const double sqrt2 = constSqrt(2.0);
+  double g[8], h[8];
+  for (int k = 0; k < 8; ++k) {
+    const double ck = constCos(k * pi / 16);
+    if (k == 0 || k == 4) {
+      g[k] = 1;
+      h[k] = 1;
+    } else if (k == 2 || k == 6) {
+      g[k] = 1 / (sqrt2 * ck);
+      h[k] = sqrt2 * ck;
+    } else {
+      g[k] = 1 / (K * sqrt2 * ck);
+      h[k] = 2 * constCos(pi / 8) * sqrt2 * ck;
+    }
+  }
+  for (int u = 0; u < 8; ++u)
+    for (int v = 0; v < 8; ++v) {
+      t.frw[8 * u + v] = static_cast<float>(0.125 * g[u] * g[v]);
+      t.inv[8 * u + v] = static_cast<float>(0.125 * h[u] * h[v]);
+    }
   return t;
 }
+constexpr NormTables kNorms = makeNorms();
 
 // float to 32-bit integer as the vector conversion does it: out of range and
 // NaN give the lowest value.
@@ -56,8 +76,8 @@ inline int32_t cvtRound(float f) {
 
 }  // namespace
 
-extern const float* const _t_norm_frw = norms().frw;
-extern const float* const _t_norm_inv = norms().inv;
+extern const float* const _t_norm_frw = kNorms.frw;
+extern const float* const _t_norm_inv = kNorms.inv;
 
 void zvp::dct::fwd32Scalar(const Zvp32f* pSrc, Zvp32f* pDst) {
   float b[64];
@@ -69,7 +89,7 @@ void zvp::dct::fwd32Scalar(const Zvp32f* pSrc, Zvp32f* pDst) {
     fwdPassT(col);
     for (int i = 0; i < 8; ++i) b[8 * i + c] = col[i];
   }
-  const float* n = norms().frw;
+  const float* n = kNorms.frw;
   for (int i = 0; i < 64; ++i) b[i] = b[i] * n[i];
   std::memcpy(pDst, b, sizeof b);
 }

@@ -60,6 +60,17 @@ SplitFn splitRow();
 // last piece overlapping the one before (8 and 4 bytes for short tokens), so
 // that not a byte beyond the token is written. Calls of the general copy and
 // fill services cost more than the token itself on photo-like rows.
+// n bytes (sizeof(T) to 2 * sizeof(T)) as a first and a last piece of T,
+// both read before either is written.
+template <class T>
+inline void copyEnds(const Zvp8u* s, Zvp8u* d, int n) {
+  T a, b;
+  std::memcpy(&a, s, sizeof a);
+  std::memcpy(&b, s + n - sizeof b, sizeof b);
+  std::memcpy(d, &a, sizeof a);
+  std::memcpy(d + n - sizeof b, &b, sizeof b);
+}
+
 inline void copyToken(const Zvp8u* s, Zvp8u* d, int n) {
   if (n > 16) {
     unsigned char a[16], b[16];
@@ -70,17 +81,9 @@ inline void copyToken(const Zvp8u* s, Zvp8u* d, int n) {
     std::memcpy(b, s + n - 16, 16);
     std::memcpy(d + n - 16, b, 16);
   } else if (n >= 8) {
-    uint64_t a, b;
-    std::memcpy(&a, s, 8);
-    std::memcpy(&b, s + n - 8, 8);
-    std::memcpy(d, &a, 8);
-    std::memcpy(d + n - 8, &b, 8);
+    copyEnds<uint64_t>(s, d, n);
   } else if (n >= 4) {
-    uint32_t a, b;
-    std::memcpy(&a, s, 4);
-    std::memcpy(&b, s + n - 4, 4);
-    std::memcpy(d, &a, 4);
-    std::memcpy(d + n - 4, &b, 4);
+    copyEnds<uint32_t>(s, d, n);
   } else {
     for (int i = 0; i < n; ++i) d[i] = s[i];
   }
