@@ -22,66 +22,17 @@ int16_t get16(const uint8_t* p) { int16_t v; std::memcpy(&v, p, 2); return v; }
 uint16_t getU16(const uint8_t* p) { uint16_t v; std::memcpy(&v, p, 2); return v; }
 
 // ---- block generators --------------------------------------------------------
-enum class Kind { Realistic, Sparse, Extreme };
-
-std::array<uint8_t, 64> randomImage(zt::Rng& rng) {
-  std::array<uint8_t, 64> img{};
-  const int base = rng.uniform(0, 255), gx = rng.uniform(-20, 20), gy = rng.uniform(-20, 20);
-  const int noise = rng.uniform(0, 60);
-  for (int y = 0; y < 8; ++y)
-    for (int x = 0; x < 8; ++x)
-      img[8 * y + x] = ref::bp::satU8(base + gx * (x - 4) + gy * (y - 4) + rng.uniform(-noise, noise));
-  return img;
-}
-
-// Quantised coefficients of a realistic block (ref forward transform, then a
-// rounded division by a typical step), sparse and DC-only ones, or extremes.
-Block coefficients(zt::Rng& rng, Kind kind) {
-  Block b{};
-  switch (kind) {
-    case Kind::Realistic: {
-      const auto img = randomImage(rng);
-      Block s{}, f{};
-      for (int i = 0; i < 64; ++i) s[i] = static_cast<int16_t>(img[i] - 128);
-      ref::bp::fwd(s.data(), f.data());
-      const int step = rng.uniform(1, 24);
-      for (int i = 0; i < 64; ++i) b[i] = static_cast<int16_t>(std::lround(f[i] / 8.0 / (step + i / 8)));
-      break;
-    }
-    case Kind::Sparse: {
-      const int n = rng.uniform(0, 3);
-      b[0] = static_cast<int16_t>(rng.uniform(-1024, 1023));
-      for (int k = 0; k < n; ++k) b[rng.uniform(1, 63)] = static_cast<int16_t>(rng.uniform(-300, 300));
-      break;
-    }
-    case Kind::Extreme: {
-      const int16_t pick[] = {-32768, -32767, -32766, 32767, 32766, 32765, 0, -1, 1, 16384, -16384, 4096, -4096};
-      for (int i = 0; i < 64; ++i)
-        b[i] = rng.uniform(0, 3) == 0 ? rng.s16() : pick[rng.uniform(0, static_cast<int>(sizeof pick / 2) - 1)];
-      break;
-    }
-  }
-  return b;
-}
-
 std::array<uint16_t, 64> randomTable(zt::Rng& rng, bool wide) {
   std::array<uint16_t, 64> t{};
   for (auto& v : t) v = static_cast<uint16_t>(wide ? rng.uniform(0, 65535) : rng.uniform(1, 255));
   return t;
 }
 
-const Kind kKinds[] = {Kind::Realistic, Kind::Sparse, Kind::Extreme};
-
 // A block of 128 bytes at a chosen offset from a 64-byte boundary.
 zt::Guarded blockBuf(const Block& b, size_t off) {
   zt::Guarded g(128, off);
   std::memcpy(g.data(), b.data(), 128);
   return g;
-}
-Block readBlock(zt::Guarded& g) {
-  Block b;
-  std::memcpy(b.data(), g.data(), 128);
-  return b;
 }
 
 // ============================================================================
