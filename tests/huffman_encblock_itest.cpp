@@ -64,6 +64,7 @@ std::vector<FastFn> fastKernels() {
       return zvp::huff::encodeBlockFastScalar(p, zvp::huff::zigzagMaskSSE41(p), d, l, pos, dc, a, b, s);
     });
   if (zvp::cpuIsa() >= zvp::Isa::AVX2) v.push_back(zvp::huff::encodeBlockFastAVX2);
+  if (zvp::cpuIsa() >= zvp::Isa::AVX512) v.push_back(zvp::huff::encodeBlockFastAVX512);
 #endif
   return v;
 }
@@ -72,6 +73,7 @@ std::vector<DirectFn> directKernels() {
   std::vector<DirectFn> v;
 #if !defined(ZVP_NO_X86)
   if (zvp::cpuIsa() >= zvp::Isa::AVX2) v.push_back(zvp::huff::encodeBlockDirectAVX2);
+  if (zvp::cpuIsa() >= zvp::Isa::AVX512) v.push_back(zvp::huff::encodeBlockDirectAVX512);
 #endif
   return v;
 }
@@ -88,6 +90,42 @@ TEST(HuffmanEncodeBlock, MaskKernelsEqualPlainTwin) {
     if (it % 7 == 0) b[rng.uniform(0, 63)] = -32768;
     if (it % 11 == 0) b[rng.uniform(0, 63)] = 1;
     ASSERT_EQ(zvp::huff::zigzagMaskAVX2(b), zvp::huff::zigzagMaskScalar(b)) << it;
+  }
+#else
+  GTEST_SKIP();
+#endif
+}
+
+// The AVX-512 preparation against a plain model of it: mask, category and
+// value bits at every position, every 2-byte alignment, every extreme value.
+TEST(HuffmanEncodeBlock, PrepareKernelEqualsPlainModel) {
+#if !defined(ZVP_NO_X86)
+  if (zvp::cpuIsa() < zvp::Isa::AVX512) GTEST_SKIP() << "no AVX-512";
+  static const auto zz = href::zigzag();
+  zt::Rng rng(814);
+  for (int it = 0; it < 4000; ++it) {
+    zt::Guarded g(128, static_cast<size_t>(2 * (it % 32)));
+    int16_t* b = g.as<int16_t>();
+    int density = it % 4;
+    for (int i = 0; i < 64; ++i) {
+      int kind = rng.uniform(0, 5);
+      b[i] = density && rng.uniform(0, density) ? 0
+             : kind == 0                        ? static_cast<int16_t>(rng.uniform(0, 1) ? -32768 : 32767)
+             : kind == 1                        ? static_cast<int16_t>(1 << rng.uniform(0, 14)) * (rng.uniform(0, 1) ? 1 : -1)
+             : kind == 2                        ? static_cast<int16_t>((1 << rng.uniform(0, 15)) - 1)
+                                                : rng.s16();
+    }
+    alignas(64) uint32_t prep[64];
+    uint64_t mask = zvp::huff::prepareBlockAVX512(b, prep);
+    ASSERT_EQ(mask, zvp::huff::zigzagMaskScalar(b)) << it;
+    for (int k = 1; k < 64; ++k) {
+      int32_t v = b[zz[k]];
+      uint32_t mag = static_cast<uint32_t>(v < 0 ? -v : v);
+      uint32_t c = 0;
+      while (mag >> c) ++c;
+      uint32_t bits = static_cast<uint32_t>(v < 0 ? v - 1 : v) & ((1u << c) - 1);
+      ASSERT_EQ(prep[k], (c << 16) | bits) << it << " " << k << " " << v;
+    }
   }
 #else
   GTEST_SKIP();

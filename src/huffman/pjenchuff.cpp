@@ -90,12 +90,12 @@ namespace zvp::huff {
 int encodeBlockFastScalar(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int dstLenBytes, int* pDstCurrPos,
                           Zvp16s* pLastDC, const ZvpiEncodeHuffmanSpec* pDcTable,
                           const ZvpiEncodeHuffmanSpec* pAcTable, ZvpiEncodeHuffmanState* s) {
-  return encblk::fastPath(pSrc, mask, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable, s);
+  return encblk::fastPath<false>(pSrc, mask, nullptr, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable, s);
 }
 
 void encodeBlockDirectScalar(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
                              const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable) {
-  encblk::directPath(pSrc, mask, pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
+  encblk::directPath<false>(pSrc, mask, nullptr, pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
 }
 
 }  // namespace zvp::huff
@@ -104,7 +104,10 @@ int ownpj_EncodeHuffman8x8_JPEG_16s1u_C1(const Zvp16s* pSrc, Zvp8u* pDst, int ds
                                          Zvp16s* pLastDC, const ZvpiEncodeHuffmanSpec* pDcTable,
                                          const ZvpiEncodeHuffmanSpec* pAcTable, ZvpiEncodeHuffmanState* s) {
 #if !defined(ZVP_NO_X86)
-  if (zvp::cpuIsa() >= zvp::Isa::AVX2)
+  const zvp::Isa isa = zvp::cpuIsa();
+  if (isa >= zvp::Isa::AVX512)
+    return zvp::huff::encodeBlockFastAVX512(pSrc, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable, s);
+  if (isa >= zvp::Isa::AVX2)
     return zvp::huff::encodeBlockFastAVX2(pSrc, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable, s);
 #endif
   return zvp::huff::encodeBlockFastScalar(pSrc, zvp::huff::zigzagMask()(pSrc), pDst, dstLenBytes, pDstCurrPos,
@@ -156,7 +159,10 @@ void ownpj_EncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Zvp16s* pSrc, Zvp8u* pDst
                                                  const ZvpiEncodeHuffmanSpec* pDcTable,
                                                  const ZvpiEncodeHuffmanSpec* pAcTable) {
 #if !defined(ZVP_NO_X86)
-  if (zvp::cpuIsa() >= zvp::Isa::AVX2)
+  const zvp::Isa isa = zvp::cpuIsa();
+  if (isa >= zvp::Isa::AVX512)
+    return zvp::huff::encodeBlockDirectAVX512(pSrc, pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
+  if (isa >= zvp::Isa::AVX2)
     return zvp::huff::encodeBlockDirectAVX2(pSrc, pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
 #endif
   zvp::huff::encodeBlockDirectScalar(pSrc, zvp::huff::zigzagMask()(pSrc), pDst, pDstBitsLen, pLastDC, pDcTable,

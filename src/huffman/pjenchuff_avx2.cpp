@@ -56,13 +56,13 @@ uint64_t zigzagMaskAVX2(const Zvp16s* pSrc) {
 int encodeBlockFastAVX2(const Zvp16s* pSrc, Zvp8u* pDst, int dstLenBytes, int* pDstCurrPos, Zvp16s* pLastDC,
                         const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable,
                         ZvpiEncodeHuffmanState* s) {
-  return encblk::fastPath(pSrc, zigzagMaskAVX2(pSrc), pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable,
+  return encblk::fastPath<false>(pSrc, zigzagMaskAVX2(pSrc), nullptr, pDst, dstLenBytes, pDstCurrPos, pLastDC, pDcTable, pAcTable,
                           s);
 }
 
 void encodeBlockDirectAVX2(const Zvp16s* pSrc, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
                            const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable) {
-  encblk::directPath(pSrc, zigzagMaskAVX2(pSrc), pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
+  encblk::directPath<false>(pSrc, zigzagMaskAVX2(pSrc), nullptr, pDst, pDstBitsLen, pLastDC, pDcTable, pAcTable);
 }
 
 }  // namespace zvp::huff

@@ -85,11 +85,12 @@ ZVP_ENC_INLINE uint32_t low(uint32_t v, int n) { return v & ((1u << n) - 1u); }
 // Codes the block into the sink; `strict`: a symbol without a code gives up
 // (stateful) instead of writing only its value bits (Direct). `mask` holds
 // the nonzero positions in zig-zag order, so a run of zeros costs one bit
-// scan.
-template <bool checked, bool strict>
+// scan. With `prepared`, prep[k] holds (category << 16) | value bits of the
+// coefficient at zig-zag position k (1 to 63), made by a vector pass.
+template <bool checked, bool strict, bool prepared>
 ZVP_ENC_INLINE bool codeBlock(uint8_t* dst, int64_t& posRef, int64_t len, uint64_t& accRef, int& nRef,
-                              const Zvp16s* pSrc, uint64_t mask, int32_t diff, const ZvpiEncodeHuffmanSpec* dc,
-                              const ZvpiEncodeHuffmanSpec* ac) {
+                              const Zvp16s* pSrc, uint64_t mask, const uint32_t* prep, int32_t diff,
+                              const ZvpiEncodeHuffmanSpec* dc, const ZvpiEncodeHuffmanSpec* ac) {
   const int32_t* zz = own_pj_izigzag_index.data();
   int64_t pos = posRef;
   uint64_t acc = accRef;
@@ -122,10 +123,17 @@ ZVP_ENC_INLINE bool codeBlock(uint8_t* dst, int64_t& posRef, int64_t len, uint64
           r -= 16;
         } while (r >= 16);
       }
-      int32_t v = pSrc[zz[k]];
-      int32_t sgn = v >> 31;  // -1 for a negative value: its bits are v - 1
-      c = 32 - __builtin_clz(static_cast<uint32_t>((v ^ sgn) - sgn));
-      uint32_t valueBits = low(static_cast<uint32_t>(v + sgn), c);
+      uint32_t valueBits;
+      if constexpr (prepared) {
+        uint32_t pw = prep[k];
+        c = static_cast<int>(pw >> 16);
+        valueBits = pw & 0xFFFF;
+      } else {
+        int32_t v = pSrc[zz[k]];
+        int32_t sgn = v >> 31;  // -1 for a negative value: its bits are v - 1
+        c = 32 - __builtin_clz(static_cast<uint32_t>((v ^ sgn) - sgn));
+        valueBits = low(static_cast<uint32_t>(v + sgn), c);
+      }
       e = acEntry(ac, (r << 4) + c);
       elen = static_cast<int>(e >> 16);
       if (strict && elen == 0) return false;
@@ -147,7 +155,8 @@ ZVP_ENC_INLINE bool codeBlock(uint8_t* dst, int64_t& posRef, int64_t len, uint64
 
 // The stateful fast path: 0 when the block is done, 1 when it gave up with
 // nothing the caller sees changed.
-ZVP_ENC_INLINE int fastPath(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int dstLenBytes, int* pDstCurrPos,
+template <bool prepared>
+ZVP_ENC_INLINE int fastPath(const Zvp16s* pSrc, uint64_t mask, const uint32_t* prep, Zvp8u* pDst, int dstLenBytes, int* pDstCurrPos,
                             Zvp16s* pLastDC, const ZvpiEncodeHuffmanSpec* pDcTable,
                             const ZvpiEncodeHuffmanSpec* pAcTable, ZvpiEncodeHuffmanState* s) {
   int64_t pos = *pDstCurrPos;
@@ -157,7 +166,8 @@ ZVP_ENC_INLINE int fastPath(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int 
   if (n < 0 || n > 7) return 1;
   uint64_t acc = (s->bitBufferLo >> (24 - n)) & ((1u << n) - 1);
   int32_t diff = static_cast<int32_t>(pSrc[0]) - static_cast<int32_t>(*pLastDC);
-  if (!codeBlock<true, true>(pDst, pos, len, acc, n, pSrc, mask, diff, pDcTable, pAcTable)) return 1;
+  if (!codeBlock<true, true, prepared>(pDst, pos, len, acc, n, pSrc, mask, prep, diff, pDcTable, pAcTable))
+    return 1;
   if (n >= 8 && !burst<true>(pDst, pos, len, acc, n)) return 1;
   *pLastDC = pSrc[0];
   s->bitBufferLo = static_cast<uint32_t>(acc << (24 - n));
@@ -168,7 +178,8 @@ ZVP_ENC_INLINE int fastPath(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int 
 }
 
 // The Direct encoder's one path.
-ZVP_ENC_INLINE void directPath(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
+template <bool prepared>
+ZVP_ENC_INLINE void directPath(const Zvp16s* pSrc, uint64_t mask, const uint32_t* prep, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
                                const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable) {
   int bitPos = *pDstBitsLen;
   int64_t pos = bitPos >> 3;
@@ -176,7 +187,7 @@ ZVP_ENC_INLINE void directPath(const Zvp16s* pSrc, uint64_t mask, Zvp8u* pDst, i
   uint64_t acc = n ? static_cast<uint64_t>(pDst[pos] >> (8 - n)) : 0;
   int32_t diff = static_cast<int32_t>(pSrc[0]) - static_cast<int32_t>(*pLastDC);
   *pLastDC = pSrc[0];
-  codeBlock<false, false>(pDst, pos, 0, acc, n, pSrc, mask, diff, pDcTable, pAcTable);
+  codeBlock<false, false, prepared>(pDst, pos, 0, acc, n, pSrc, mask, prep, diff, pDcTable, pAcTable);
   burst<false>(pDst, pos, 0, acc, n);
   pDst[pos] = static_cast<Zvp8u>(n ? (acc << (8 - n)) & 0xFF : 0);
   *pDstBitsLen = static_cast<int>((static_cast<uint32_t>(pos) << 3) + static_cast<uint32_t>(n));

@@ -31,3 +31,16 @@ namespace zvp::huff {
 uint64_t zigzagMaskAVX2(const Zvp16s* pSrc);
 #endif
 }  // namespace zvp::huff
+
+namespace zvp::huff {
+#if !defined(ZVP_NO_X86)
+// AVX-512 build: the block in zig-zag order with its nonzero mask (returned)
+// and per position k, (category << 16) | value bits in prep[k].
+uint64_t prepareBlockAVX512(const Zvp16s* pSrc, uint32_t* prep);
+int encodeBlockFastAVX512(const Zvp16s* pSrc, Zvp8u* pDst, int dstLenBytes, int* pDstCurrPos, Zvp16s* pLastDC,
+                          const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable,
+                          ZvpiEncodeHuffmanState* s);
+void encodeBlockDirectAVX512(const Zvp16s* pSrc, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
+                             const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable);
+#endif
+}  // namespace zvp::huff
