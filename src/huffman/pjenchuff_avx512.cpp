@@ -41,8 +41,8 @@ uint64_t prepareBlockAVX512(const Zvp16s* pSrc, uint32_t* prep) {
   const __m512i one = _mm512_set1_epi32(1);
   const __m512i bias = _mm512_set1_epi32(126);
   const __m512i zero = _mm512_setzero_si512();
-  for (int q = 0; q < 4; ++q) {
-    const __m512i v = _mm512_cvtepi16_epi32(_mm512_extracti64x4_epi64(z[q >> 1], q & 1));
+  auto quarter = [&](__m256i half, uint32_t* out) {
+    const __m512i v = _mm512_cvtepi16_epi32(half);
     // Bit length of the magnitude (at most 32768, exact as a float): the
     // float's exponent less 126, and 0 for 0.
     const __m512i f = _mm512_castps_si512(_mm512_cvtepi32_ps(_mm512_abs_epi32(v)));
@@ -50,8 +50,12 @@ uint64_t prepareBlockAVX512(const Zvp16s* pSrc, uint32_t* prep) {
     // The low `cat` bits of the value, less 1 when negative.
     const __m512i bits = _mm512_and_si512(_mm512_add_epi32(v, _mm512_srai_epi32(v, 31)),
                                           _mm512_sub_epi32(_mm512_sllv_epi32(one, cat), one));
-    _mm512_storeu_si512(prep + 16 * q, _mm512_or_si512(_mm512_slli_epi32(cat, 16), bits));
-  }
+    _mm512_storeu_si512(out, _mm512_or_si512(_mm512_slli_epi32(cat, 16), bits));
+  };
+  quarter(_mm512_castsi512_si256(z[0]), prep);
+  quarter(_mm512_extracti64x4_epi64(z[0], 1), prep + 16);
+  quarter(_mm512_castsi512_si256(z[1]), prep + 32);
+  quarter(_mm512_extracti64x4_epi64(z[1], 1), prep + 48);
   return mask;
 }
 
