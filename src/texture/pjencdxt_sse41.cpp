@@ -113,20 +113,17 @@ inline __m128i gather3(const __m128i v[3], int c) {
   return r;
 }
 
-inline int hmin(__m128i v) {
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 8));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 4));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 2));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 1));
+// All 16 bytes of v folded by op (a byte-lane minimum or maximum).
+template <class Op>
+inline int fold16(__m128i v, Op op) {
+  v = op(v, _mm_srli_si128(v, 8));
+  v = op(v, _mm_srli_si128(v, 4));
+  v = op(v, _mm_srli_si128(v, 2));
+  v = op(v, _mm_srli_si128(v, 1));
   return _mm_cvtsi128_si32(v) & 0xFF;
 }
-inline int hmax(__m128i v) {
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 8));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 4));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 2));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 1));
-  return _mm_cvtsi128_si32(v) & 0xFF;
-}
+inline int hmin(__m128i v) { return fold16(v, [](__m128i a, __m128i b) { return _mm_min_epu8(a, b); }); }
+inline int hmax(__m128i v) { return fold16(v, [](__m128i a, __m128i b) { return _mm_max_epu8(a, b); }); }
 
 // x >= m per unsigned byte, as all ones.
 inline __m128i geu8(__m128i x, __m128i m) { return _mm_cmpeq_epi8(_mm_max_epu8(x, m), x); }
