@@ -156,23 +156,28 @@ TEST(TextureDecode, Dxt3Dxt5FourColoursWhenC0BelowC1) {
   }
 }
 
-TEST(TextureDecode, Dxt5EqualAlphasSixAlphaRule) {
-  uint8_t blk[16] = {10, 10};
-  // pixel p gets index p & 7
+namespace {
+
+// The decoded pixels of a DXT5 block with alpha ends a0, a1 (colour half 0)
+// whose pixel p has alpha index p & 7.
+std::vector<uint8_t> dxt5AlphaIndexRamp(uint8_t a0, uint8_t a1) {
+  uint8_t blk[16] = {a0, a1};
   uint64_t bits = 0;
   for (int p = 0; p < 16; ++p) bits |= static_cast<uint64_t>(p & 7) << (3 * p);
   for (int i = 0; i < 6; ++i) blk[2 + i] = static_cast<uint8_t>(bits >> (8 * i));
-  const auto px = decodeOne(Fmt::DXT5, blk);
+  return decodeOne(Fmt::DXT5, blk);
+}
+
+}  // namespace
+
+TEST(TextureDecode, Dxt5EqualAlphasSixAlphaRule) {
+  const auto px = dxt5AlphaIndexRamp(10, 10);
   const int want[8] = {10, 10, 10, 10, 10, 10, 0, 255};
   for (int p = 0; p < 16; ++p) EXPECT_EQ(px[4 * p + 3], want[p & 7]);
 }
 
 TEST(TextureDecode, Dxt5EightAlphaRuleRounds) {
-  uint8_t blk[16] = {200, 1};
-  uint64_t bits = 0;
-  for (int p = 0; p < 16; ++p) bits |= static_cast<uint64_t>(p & 7) << (3 * p);
-  for (int i = 0; i < 6; ++i) blk[2 + i] = static_cast<uint8_t>(bits >> (8 * i));
-  const auto px = decodeOne(Fmt::DXT5, blk);
+  const auto px = dxt5AlphaIndexRamp(200, 1);
   const int want[8] = {200, 1, (1200 + 1 + 3) / 7, (1000 + 2 + 3) / 7, (800 + 3 + 3) / 7,
                        (600 + 4 + 3) / 7, (400 + 5 + 3) / 7, (200 + 6 + 3) / 7};
   for (int p = 0; p < 16; ++p) EXPECT_EQ(px[4 * p + 3], want[p & 7]);
