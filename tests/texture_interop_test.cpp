@@ -28,16 +28,10 @@
 #include <unistd.h>
 
 #include "support/testutil.h"
+#include "texture_cases.h"
 #include "zvpj.h"
 
 namespace {
-
-void setBits(uint8_t* b, int pos, int n, unsigned v) {
-  for (int i = 0; i < n; ++i) {
-    const int p = pos + i;
-    b[p / 8] = static_cast<uint8_t>((b[p / 8] & ~(1u << (p % 8))) | (((v >> i) & 1u) << (p % 8)));
-  }
-}
 
 void writeStream(const std::filesystem::path& file, int w, int h, int n, const std::vector<uint8_t>& stream,
                  const std::vector<uint8_t>& pixels) {
@@ -77,26 +71,8 @@ TEST(TextureInterop, PillowDecodesOurBlocks) {
 
   // BC7: every mode, every partition, rotation and selector.
   {
-    static const int partBits[8] = {4, 6, 6, 6, 0, 0, 0, 6};
     std::vector<uint8_t> all;
-    for (int mode = 0; mode < 8; ++mode) {
-      const int parts = 1 << partBits[mode];
-      const int rots = (mode == 4 || mode == 5) ? 4 : 1, sels = mode == 4 ? 2 : 1;
-      for (int part = 0; part < parts; ++part)
-        for (int rot = 0; rot < rots; ++rot)
-          for (int sel = 0; sel < sels; ++sel)
-            for (int t = 0; t < 4; ++t) {
-              uint8_t b[16];
-              rng.fill(b, 16);
-              b[0] = static_cast<uint8_t>((b[0] << (mode + 1)) | (1u << mode));
-              int pos = mode + 1;
-              setBits(b, pos, partBits[mode], static_cast<unsigned>(part));
-              pos += partBits[mode];
-              if (rots > 1) { setBits(b, pos, 2, static_cast<unsigned>(rot)); pos += 2; }
-              if (sels > 1) setBits(b, pos, 1, static_cast<unsigned>(sel));
-              all.insert(all.end(), b, b + 16);
-            }
-    }
+    ztex::forEveryBc7Case(rng, [&](const uint8_t* b, int, int, int, int) { all.insert(all.end(), b, b + 16); });
     const int n = static_cast<int>(all.size() / 16);
     const int bw = 16, bh = (n + bw - 1) / bw;
     all.resize(static_cast<size_t>(bw) * bh * 16, 0x40);  // pad with mode 6 blocks

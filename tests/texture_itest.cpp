@@ -32,6 +32,14 @@ void fillStrip(zt::Rng& rng, uint8_t* p, int rowBytes, int numBlocks, int kind) 
     }
 }
 
+// The instruction set of the machine, whatever the cap in force.
+[[maybe_unused]] zvp::Isa cpuIsaUncapped() {
+  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
+  const zvp::Isa have = zvp::cpuIsa();
+  zvp::setIsaCap(saved);
+  return have;
+}
+
 struct Kernel {
   const char* name;
   zvp::Isa isa;
@@ -41,9 +49,7 @@ struct Kernel {
 std::vector<Kernel> vectorKernels() {
   std::vector<Kernel> k;
 #if !defined(ZVP_NO_X86)
-  zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
-  const zvp::Isa have = zvp::cpuIsa();
-  zvp::setIsaCap(saved);
+  const zvp::Isa have = cpuIsaUncapped();
   if (have >= zvp::Isa::SSE41) k.push_back({"sse41", zvp::Isa::SSE41, zvp::tex::wideRowSSE41});
   if (have >= zvp::Isa::AVX2) k.push_back({"avx2", zvp::Isa::AVX2, zvp::tex::wideRowAVX2});
 #endif
@@ -73,10 +79,7 @@ TEST(TextureKernels, WideRowVectorMatchesScalar) {
 
 TEST(TextureKernels, BlockPathVectorMatchesScalar) {
 #if !defined(ZVP_NO_X86)
-  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
-  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
-  zvp::setIsaCap(saved);
-  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  if (cpuIsaUncapped() < zvp::Isa::SSE41) GTEST_SKIP() << "no SSE4.1";
   zt::Rng rng(105);
   for (int t = 0; t < 20000; ++t) {
     const int kind = t % 6;
@@ -113,10 +116,7 @@ TEST(TextureKernels, BlockPathVectorMatchesScalar) {
 
 TEST(TextureKernels, DecoderVectorMatchesScalar) {
 #if !defined(ZVP_NO_X86)
-  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
-  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
-  zvp::setIsaCap(saved);
-  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  if (cpuIsaUncapped() < zvp::Isa::SSE41) GTEST_SKIP() << "no SSE4.1";
   zt::Rng rng(106);
   for (int t = 0; t < 20000; ++t) {
     uint8_t blk[16];
@@ -139,10 +139,7 @@ TEST(TextureKernels, DecoderVectorMatchesScalar) {
 
 TEST(TextureKernels, Bc7InterpolationVectorMatchesScalar) {
 #if !defined(ZVP_NO_X86)
-  const zvp::Isa saved = zvp::setIsaCap(zvp::Isa::AVX512);
-  const bool sse41 = zvp::cpuIsa() >= zvp::Isa::SSE41;
-  zvp::setIsaCap(saved);
-  if (!sse41) GTEST_SKIP() << "no SSE4.1";
+  if (cpuIsaUncapped() < zvp::Isa::SSE41) GTEST_SKIP() << "no SSE4.1";
   zt::Rng rng(107);
   for (int t = 0; t < 5000; ++t) {
     alignas(16) uint8_t e0[64], e1[64], w[64], a[64], b[64];

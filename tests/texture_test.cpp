@@ -10,9 +10,12 @@
 
 #include "ref/texture_ref.h"
 #include "support/testutil.h"
+#include "texture_cases.h"
 #include "zvpj.h"
 
 using ref::tex::Fmt;
+using ztex::bc7Random;
+using ztex::setBits;
 
 namespace {
 
@@ -61,20 +64,6 @@ std::vector<uint8_t> decodeRegion(Fmt f, const std::vector<uint8_t>& stream, int
     for (int x = 4 * w; x < rowBytes; ++x) EXPECT_EQ(row[x], 0x5C) << "padding written";
   }
   return img;
-}
-
-// A BC7 block of a given mode with random fields.
-std::vector<uint8_t> bc7Random(zt::Rng& rng, int mode) {
-  std::vector<uint8_t> b(16);
-  rng.fill(b.data(), 16);
-  b[0] = static_cast<uint8_t>((b[0] << (mode + 1)) | (1u << mode));
-  return b;
-}
-void setBits(uint8_t* b, int pos, int n, unsigned v) {
-  for (int i = 0; i < n; ++i) {
-    const int p = pos + i;
-    b[p / 8] = static_cast<uint8_t>((b[p / 8] & ~(1u << (p % 8))) | (((v >> i) & 1u) << (p % 8)));
-  }
 }
 
 std::vector<uint8_t> randomStream(zt::Rng& rng, Fmt f, int w, int h) {
@@ -167,23 +156,28 @@ TEST(TextureDecode, Dxt3Dxt5FourColoursWhenC0BelowC1) {
   }
 }
 
-TEST(TextureDecode, Dxt5EqualAlphasSixAlphaRule) {
-  uint8_t blk[16] = {10, 10};
-  // pixel p gets index p & 7
+namespace {
+
+// The decoded pixels of a DXT5 block with alpha ends a0, a1 (colour half 0)
+// whose pixel p has alpha index p & 7.
+std::vector<uint8_t> dxt5AlphaIndexRamp(uint8_t a0, uint8_t a1) {
+  uint8_t blk[16] = {a0, a1};
   uint64_t bits = 0;
   for (int p = 0; p < 16; ++p) bits |= static_cast<uint64_t>(p & 7) << (3 * p);
   for (int i = 0; i < 6; ++i) blk[2 + i] = static_cast<uint8_t>(bits >> (8 * i));
-  const auto px = decodeOne(Fmt::DXT5, blk);
+  return decodeOne(Fmt::DXT5, blk);
+}
+
+}  // namespace
+
+TEST(TextureDecode, Dxt5EqualAlphasSixAlphaRule) {
+  const auto px = dxt5AlphaIndexRamp(10, 10);
   const int want[8] = {10, 10, 10, 10, 10, 10, 0, 255};
   for (int p = 0; p < 16; ++p) EXPECT_EQ(px[4 * p + 3], want[p & 7]);
 }
 
 TEST(TextureDecode, Dxt5EightAlphaRuleRounds) {
-  uint8_t blk[16] = {200, 1};
-  uint64_t bits = 0;
-  for (int p = 0; p < 16; ++p) bits |= static_cast<uint64_t>(p & 7) << (3 * p);
-  for (int i = 0; i < 6; ++i) blk[2 + i] = static_cast<uint8_t>(bits >> (8 * i));
-  const auto px = decodeOne(Fmt::DXT5, blk);
+  const auto px = dxt5AlphaIndexRamp(200, 1);
   const int want[8] = {200, 1, (1200 + 1 + 3) / 7, (1000 + 2 + 3) / 7, (800 + 3 + 3) / 7,
                        (600 + 4 + 3) / 7, (400 + 5 + 3) / 7, (200 + 6 + 3) / 7};
   for (int p = 0; p < 16; ++p) EXPECT_EQ(px[4 * p + 3], want[p & 7]);
@@ -386,26 +380,12 @@ TEST(TextureBC7, Width5RegionAndPartition0Anchors) {
 
 TEST(TextureBC7, EveryModePartitionRotationSelector) {
   zt::Rng rng(35);
-  static const int partBits[8] = {4, 6, 6, 6, 0, 0, 0, 6};
-  for (int mode = 0; mode < 8; ++mode) {
-    const int parts = 1 << partBits[mode];
-    const int rots = (mode == 4 || mode == 5) ? 4 : 1, sels = mode == 4 ? 2 : 1;
-    for (int part = 0; part < parts; ++part)
-      for (int rot = 0; rot < rots; ++rot)
-        for (int sel = 0; sel < sels; ++sel)
-          for (int t = 0; t < 4; ++t) {
-            auto b = bc7Random(rng, mode);
-            int pos = mode + 1;
-            setBits(b.data(), pos, partBits[mode], static_cast<unsigned>(part));
-            pos += partBits[mode];
-            if (rots > 1) { setBits(b.data(), pos, 2, static_cast<unsigned>(rot)); pos += 2; }
-            if (sels > 1) setBits(b.data(), pos, 1, static_cast<unsigned>(sel));
-            uint8_t want[64];
-            ref::tex::decodeBlock(Fmt::BC7, b.data(), want);
-            const auto got = decodeOne(Fmt::BC7, b.data());
-            ASSERT_EQ(0, std::memcmp(got.data(), want, 64)) << mode << " " << part << " " << rot << " " << sel;
-          }
-  }
+  ztex::forEveryBc7Case(rng, [](const uint8_t* b, int mode, int part, int rot, int sel) {
+    uint8_t want[64];
+    ref::tex::decodeBlock(Fmt::BC7, b, want);
+    const auto got = decodeOne(Fmt::BC7, b);
+    ASSERT_EQ(0, std::memcmp(got.data(), want, 64)) << mode << " " << part << " " << rot << " " << sel;
+  });
 }
 
 // ---------------------------------------------------------------- encoders

@@ -68,24 +68,21 @@ void zvp::tex::alphaTable(int a0, int a1, Zvp8u alpha[8]) {
 
 namespace {
 
-// The region walk shared by the three decoders: blocks inside a multiple of
-// 16 columns of a full block row are stored whole, the others through the
-// tile, clipped to the region. The stream advances by whole blocks.
+// The region walk shared by the three decoders: every block through the
+// tile, its rows copied clipped to the region (only the last block column
+// and the last block row can be partial). The stream advances by whole
+// blocks.
 ZvpStatus decodeRegion(const Zvp8u* pSrc, Zvp8u* pDst, int dstStep, ZvpiSize roi, int blockBytes, BlockFn fn) {
-  const int blocksX = (roi.width + 3) / 4;
-  const int fullRows = roi.height / 4;
-  const int directBlocks = 4 * (roi.width / 16);
-  const int lastCols = roi.width - 4 * (blocksX - 1);
+  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
+  const int lastCols = roi.width - 4 * (blocksX - 1), lastRows = roi.height - 4 * (blocksY - 1);
   Zvp8u tile[64];
-  const int blockRows = (roi.height + 3) / 4;
-  for (int by = 0; by < blockRows; ++by) {
-    const int rows = by < fullRows ? 4 : roi.height - 4 * fullRows;
+  for (int by = 0; by < blocksY; ++by) {
+    const int rows = by == blocksY - 1 ? lastRows : 4;
     for (int bx = 0; bx < blocksX; ++bx) {
       fn(pSrc, tile);
       pSrc += blockBytes;
-      const int cols = (by < fullRows && bx < directBlocks) ? 4 : (bx == blocksX - 1 ? lastCols : 4);
-      for (int r = 0; r < rows; ++r)
-        std::memcpy(zvp::rowPtr(pDst, dstStep, 4 * by + r) + 16 * bx, tile + 16 * r, static_cast<size_t>(4 * cols));
+      const size_t bytes = static_cast<size_t>(4 * (bx == blocksX - 1 ? lastCols : 4));
+      for (int r = 0; r < rows; ++r) std::memcpy(zvp::rowPtr(pDst, dstStep, 4 * by + r) + 16 * bx, tile + 16 * r, bytes);
     }
   }
   return zvpStatusOk;

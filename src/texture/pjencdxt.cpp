@@ -9,23 +9,12 @@
 #include "core/checks.h"
 #include "core/cpu.h"
 #include "core/parallel.h"
+#include "texture/dxtenc.h"
 #include "texture/texture.h"
 
-namespace {
-
-inline void store16(Zvp8u* p, uint32_t v) {
-  p[0] = static_cast<Zvp8u>(v);
-  p[1] = static_cast<Zvp8u>(v >> 8);
-}
-inline void store32(Zvp8u* p, uint32_t v) {
-  for (int i = 0; i < 4; ++i) p[i] = static_cast<Zvp8u>(v >> (8 * i));
-}
-
-inline int absd(int a, int b) { return a > b ? a - b : b - a; }
-
-}  // namespace
-
 namespace zvp::tex {
+
+using namespace enc;
 
 // The colour half of a block (8 bytes): inset box, 5:6:5 ends, indices by
 // the strict distance rule.
@@ -36,24 +25,9 @@ void colourBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
       lo[ch] = std::min<int>(lo[ch], pBlock[4 * p + ch]);
       hi[ch] = std::max<int>(hi[ch], pBlock[4 * p + ch]);
     }
-  for (int ch = 0; ch < 3; ++ch) {
-    const int inset = (hi[ch] - lo[ch]) >> 4;
-    hi[ch] -= inset;
-    lo[ch] += inset;
-  }
-  const uint32_t w0 = ((hi[0] >> 3) << 11) | ((hi[1] >> 2) << 5) | (hi[2] >> 3);
-  const uint32_t w1 = ((lo[0] >> 3) << 11) | ((lo[1] >> 2) << 5) | (lo[2] >> 3);
-  int c[4][3];
-  c[0][0] = (hi[0] & 0xF8) | (hi[0] >> 5);
-  c[0][1] = (hi[1] & 0xFC) | (hi[1] >> 6);
-  c[0][2] = (hi[2] & 0xF8) | (hi[2] >> 5);
-  c[1][0] = (lo[0] & 0xF8) | (lo[0] >> 5);
-  c[1][1] = (lo[1] & 0xFC) | (lo[1] >> 6);
-  c[1][2] = (lo[2] & 0xF8) | (lo[2] >> 5);
-  for (int ch = 0; ch < 3; ++ch) {
-    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
-    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
-  }
+  for (int ch = 0; ch < 3; ++ch) insetEnds(lo[ch], hi[ch], lo[ch], hi[ch]);
+  int c[4][3] = {{widen5(hi[0]), widen6(hi[1]), widen5(hi[2])}, {widen5(lo[0]), widen6(lo[1]), widen5(lo[2])}};
+  paletteThirds<3>(c);
   uint32_t indices = 0;
   for (int p = 0; p < 16; ++p) {
     int d[4];
@@ -63,18 +37,14 @@ void colourBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
     const uint32_t b1 = ((d[1] > d[2] && d[0] > d[2]) || (d[0] > d[3] && d[1] > d[3])) ? 1u : 0u;
     indices |= (b0 | (b1 << 1)) << (2 * p);
   }
-  store16(pOut, w0);
-  store16(pOut + 2, w1);
-  store32(pOut + 4, indices);
+  storeColourHalf(pOut, pack565(hi[0], hi[1], hi[2]), pack565(lo[0], lo[1], lo[2]), indices);
 }
 
 // The DXT5 alpha half (8 bytes) from ends a0, a1 and the alpha byte of each
-// pixel (`stride` bytes apart): seven thresholds, index by counting.
-static void alphaThresholds(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp8u* pOut) {
-  const int bias = (a0 - a1) / 14;
+// pixel (`stride` bytes apart): index by counting thresholds.
+static void alphaHalf(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp8u* pOut) {
   int t[7];
-  t[0] = (a1 + bias) & 0xFF;
-  for (int k = 1; k <= 6; ++k) t[k] = (((7 - k) * a0 + k * a1) / 7 + bias) & 0xFF;
+  alphaThresholds(a0, a1, t);
   uint64_t bits = 0;
   for (int p = 0; p < 16; ++p) {
     const int a = pAlpha[stride * p];
@@ -84,14 +54,10 @@ static void alphaThresholds(const Zvp8u* pAlpha, int stride, int a0, int a1, Zvp
     if (idx < 2) idx ^= 1;
     bits |= static_cast<uint64_t>(idx) << (3 * p);
   }
-  pOut[0] = static_cast<Zvp8u>(a0);
-  pOut[1] = static_cast<Zvp8u>(a1);
-  for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(bits >> (8 * i));
+  storeAlphaHalf(pOut, a0, a1, bits);
 }
 
-void alphaIndicesScalar(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut) {
-  alphaThresholds(pAlpha16, 1, a0, a1, pOut);
-}
+void alphaIndicesScalar(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut) { alphaHalf(pAlpha16, 1, a0, a1, pOut); }
 
 void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
   int lo = 255, hi = 0;
@@ -99,8 +65,8 @@ void alphaBlockRGBAScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
     lo = std::min<int>(lo, pBlock[4 * p + 3]);
     hi = std::max<int>(hi, pBlock[4 * p + 3]);
   }
-  const int inset = (hi - lo) >> 4;
-  alphaThresholds(pBlock + 3, 4, hi - inset, lo + inset, pOut);
+  insetEnds(lo, hi, lo, hi);
+  alphaHalf(pBlock + 3, 4, hi, lo, pOut);
 }
 
 BlockKernels blockKernels() {
@@ -136,7 +102,44 @@ void dxt3Alpha(const Zvp8u* pBlock, Zvp8u* pOut) {
     pOut[i] = static_cast<Zvp8u>((pBlock[4 * (2 * i) + 3] >> 4) | (pBlock[4 * (2 * i + 1) + 3] & 0xF0));
 }
 
-void ycocgBlock(Zvp8u* pBlock, Zvp8u* pOut, zvp::tex::AlphaIndicesFn alpha);
+// Encoders of one gathered block with the kernels k.
+void dxt1Block(const zvp::tex::BlockKernels& k, const Zvp8u* pBlock, Zvp8u* pOut) { k.colour(pBlock, pOut); }
+void dxt3Block(const zvp::tex::BlockKernels& k, const Zvp8u* pBlock, Zvp8u* pOut) {
+  dxt3Alpha(pBlock, pOut);
+  k.colour(pBlock, pOut + 8);
+}
+void dxt5Block(const zvp::tex::BlockKernels& k, const Zvp8u* pBlock, Zvp8u* pOut) {
+  k.alphaRGBA(pBlock, pOut);
+  k.colour(pBlock, pOut + 8);
+}
+void ycocgBlockKernel(const zvp::tex::BlockKernels& k, const Zvp8u* pBlock, Zvp8u* pOut) { k.ycocg(pBlock, pOut); }
+
+using BlockEncoder = void (*)(const zvp::tex::BlockKernels&, const Zvp8u*, Zvp8u*);
+
+// The region walk of the encoders: blocks in raster order, each gathered with
+// its edges repeated and encoded to OutBytes bytes. With a wide kernel, the
+// first multiple of 16 columns of every full block row goes to it instead.
+template <int Bpp, int OutBytes, BlockEncoder Encode>
+ZvpStatus encodeRegion(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst, zvp::tex::WideRowFn wide = nullptr) {
+  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
+  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
+  const int wideBlocks = wide ? 4 * (roi.width / 16) : 0;
+  Zvp8u block[16 * Bpp];
+  for (int by = 0; by < blocksY; ++by) {
+    int bx = 0;
+    if (wideBlocks > 0 && 4 * by + 4 <= roi.height) {
+      wide(zvp::rowPtr(pSrc, srcStep, 4 * by), srcStep, pDst, wideBlocks);
+      pDst += OutBytes * wideBlocks;
+      bx = wideBlocks;
+    }
+    for (; bx < blocksX; ++bx) {
+      gatherBlock(pSrc, srcStep, roi, bx, by, Bpp, block);
+      Encode(k, block, pDst);
+      pDst += OutBytes;
+    }
+  }
+  return zvpStatusOk;
+}
 
 ZvpStatus checkEncode(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, const Zvp8u* pDst) {
   if (!pSrc || !pDst) return zvpStatusNullPointer;
@@ -146,22 +149,14 @@ ZvpStatus checkEncode(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, const Zvp8u*
 
 }  // namespace
 
-void encode_block_rgba_dxt1(const Zvp8u* pBlock, Zvp8u* pOut) { zvp::tex::blockKernels().colour(pBlock, pOut); }
-
-void encode_block_rgba_dxt3(const Zvp8u* pBlock, Zvp8u* pOut) {
-  dxt3Alpha(pBlock, pOut);
-  zvp::tex::blockKernels().colour(pBlock, pOut + 8);
-}
-
-void encode_block_rgba_dxt5(const Zvp8u* pBlock, Zvp8u* pOut) {
-  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
-  k.alphaRGBA(pBlock, pOut);
-  k.colour(pBlock, pOut + 8);
-}
+void encode_block_rgba_dxt1(const Zvp8u* pBlock, Zvp8u* pOut) { dxt1Block(zvp::tex::blockKernels(), pBlock, pOut); }
+void encode_block_rgba_dxt3(const Zvp8u* pBlock, Zvp8u* pOut) { dxt3Block(zvp::tex::blockKernels(), pBlock, pOut); }
+void encode_block_rgba_dxt5(const Zvp8u* pBlock, Zvp8u* pOut) { dxt5Block(zvp::tex::blockKernels(), pBlock, pOut); }
 
 namespace zvp::tex {
 
-// One block of the wide path from 4 rows of 4 pixels, srcStep apart.
+// One block of the wide path from 4 rows of 4 pixels, srcStep apart: the
+// position of each pixel on the box diagonal by one divider per block.
 static void wideBlockScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
   int mn[4] = {255, 255, 255, 255}, mx[4] = {0, 0, 0, 0};
   for (int r = 0; r < 4; ++r) {
@@ -172,18 +167,12 @@ static void wideBlockScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
         mx[ch] = std::max<int>(mx[ch], row[4 * c + ch]);
       }
   }
-  int hi[4], lo[4];
+  WideRange range{0, 0};
   for (int ch = 0; ch < 4; ++ch) {
-    const int inset = (mx[ch] - mn[ch]) >> 4;
-    hi[ch] = mx[ch] - inset;
-    lo[ch] = mn[ch] + inset;
+    range.mn |= static_cast<uint32_t>(mn[ch]) << (8 * ch);
+    range.mx |= static_cast<uint32_t>(mx[ch]) << (8 * ch);
   }
-  // Dividers: 32768 / (colour range + 1) read as a signed 16-bit value (so a
-  // range of 0 gives -32768), and the low 16 bits of 65536 / (alpha range + 1)
-  // read as signed (a range of 0 gives 0, a range of 1 gives -32768).
-  const int rangeC = (mx[0] - mn[0]) + (mx[1] - mn[1]) + (mx[2] - mn[2]);
-  const int dc = static_cast<int16_t>(static_cast<uint16_t>(32768 / (rangeC + 1)));
-  const int da = static_cast<int16_t>(static_cast<uint16_t>(65536 / (mx[3] - mn[3] + 1)));
+  const int dc = range.colourDivider(), da = range.alphaDivider();
   uint32_t cidx = 0;
   uint64_t aidx = 0;
   for (int r = 0; r < 4; ++r) {
@@ -195,16 +184,11 @@ static void wideBlockScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
       const int rc = std::clamp((8 * s * dc) >> 16, 0, 255);
       const int ra = std::clamp((8 * t * da) >> 16, 0, 255);
       const int p = 4 * r + c;
-      cidx |= static_cast<uint32_t>(kColorRawToIndex[rc]) << (2 * p);
+      cidx |= static_cast<uint32_t>(kColourRawToIndex[rc]) << (2 * p);
       aidx |= static_cast<uint64_t>(kAlphaRawToIndex[ra]) << (3 * p);
     }
   }
-  pOut[0] = static_cast<Zvp8u>(hi[3]);
-  pOut[1] = static_cast<Zvp8u>(lo[3]);
-  for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(aidx >> (8 * i));
-  store16(pOut + 8, ((hi[0] >> 3) << 11) | ((hi[1] >> 2) << 5) | (hi[2] >> 3));
-  store16(pOut + 10, ((lo[0] >> 3) << 11) | ((lo[1] >> 2) << 5) | (lo[2] >> 3));
-  store32(pOut + 12, cidx);
+  storeWideBlock(pOut, range, cidx, aidx);
 }
 
 void wideRowScalar(const Zvp8u* pSrc, int srcStep, Zvp8u* pDst, int numBlocks) {
@@ -230,54 +214,25 @@ void ownpj_TextureEncodeBlockRowFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int sr
   zvp::tex::wideRow()(pSrc, srcStep, pDst, numBlocks);
 }
 
-void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) { ycocgBlock(pBlock, pOut, zvp::tex::alphaIndicesScalar); }
-
-void zvp::tex::ycocgBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
-  Zvp8u copy[48];
-  std::memcpy(copy, pBlock, 48);
-  ycocgBlock(copy, pOut, alphaIndicesScalar);
-}
-
 namespace {
 
+// The YCoCg block from 48 bytes; rewrites the chroma bytes with their scaled
+// values. The alpha half (from the luma) by `alpha`.
 void ycocgBlock(Zvp8u* pBlock, Zvp8u* pOut, zvp::tex::AlphaIndicesFn alpha) {
+  using namespace zvp::tex::enc;
   int mn[3] = {255, 255, 255}, mx[3] = {0, 0, 0};
   for (int p = 0; p < 16; ++p)
     for (int ch = 0; ch < 3; ++ch) {
       mn[ch] = std::min<int>(mn[ch], pBlock[3 * p + ch]);
       mx[ch] = std::max<int>(mx[ch], pBlock[3 * p + ch]);
     }
-  const int q = std::max({absd(mx[1], 128), absd(mx[2], 128), absd(mn[1], 128), absd(mn[2], 128)});
-  const int scale = q < 32 ? 4 : (q < 64 ? 2 : 1);
-  const auto scaled = [scale](int x) { return (scale * (x - 128) + 128) & 255; };
+  const YCoCgEnds e = ycocgEnds(mn[1], mx[1], mn[2], mx[2]);
   for (int p = 0; p < 16; ++p)
-    for (int ch = 1; ch < 3; ++ch) pBlock[3 * p + ch] = static_cast<Zvp8u>(scaled(pBlock[3 * p + ch]));
-  uint32_t lo[3], hi[3];
-  for (int ch = 1; ch < 3; ++ch) {
-    const uint32_t l = static_cast<uint32_t>(scaled(mn[ch])), h = static_cast<uint32_t>(scaled(mx[ch]));
-    // Unsigned, with no lower clamp: a low end of 0 with a range below 7
-    // wraps and reads as all ones.
-    lo[ch] = ((16u * l + (h - l) - 7u) >> 4) & 0xFF;
-    hi[ch] = std::min<uint32_t>((16u * h - (h - l) + 7u) >> 4, 255u);
-  }
-  uint32_t loCo = lo[1], hiCo = hi[1], loCg = lo[2], hiCg = hi[2];
-  uint32_t eLoCo = (loCo & 0xF8) | (loCo >> 5), eHiCo = (hiCo & 0xF8) | (hiCo >> 5);
-  uint32_t eLoCg = (loCg & 0xFC) | (loCg >> 6), eHiCg = (hiCg & 0xFC) | (hiCg >> 6);
-  const uint32_t midCo = (eLoCo + eHiCo + 1) >> 1, midCg = (eLoCg + eHiCg + 1) >> 1;
+    for (int ch = 1; ch < 3; ++ch) pBlock[3 * p + ch] = static_cast<Zvp8u>(ycocgScaled(e.scale, pBlock[3 * p + ch]));
   int off = 0;
-  for (int p = 0; p < 16; ++p) off += ((pBlock[3 * p + 1] >= midCo) != (pBlock[3 * p + 2] >= midCg)) ? 1 : 0;
-  if (off > 8) {
-    std::swap(loCg, hiCg);
-    std::swap(eLoCg, eHiCg);
-  }
-  const uint32_t blue = static_cast<uint32_t>(scale - 1);
-  store16(pOut + 8, ((hiCo >> 3) << 11) | ((hiCg >> 2) << 5) | blue);
-  store16(pOut + 10, ((loCo >> 3) << 11) | ((loCg >> 2) << 5) | blue);
-  int c[4][2] = {{static_cast<int>(eHiCo), static_cast<int>(eHiCg)}, {static_cast<int>(eLoCo), static_cast<int>(eLoCg)}};
-  for (int ch = 0; ch < 2; ++ch) {
-    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
-    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
-  }
+  for (int p = 0; p < 16; ++p) off += ((pBlock[3 * p + 1] >= e.midCo) != (pBlock[3 * p + 2] >= e.midCg)) ? 1 : 0;
+  int c[4][2];
+  ycocgFinish(e, off, pOut, c);
   uint32_t indices = 0;
   for (int p = 0; p < 16; ++p) {
     int d[4];
@@ -294,66 +249,28 @@ void ycocgBlock(Zvp8u* pBlock, Zvp8u* pOut, zvp::tex::AlphaIndicesFn alpha) {
 
 }  // namespace
 
+void encode_block_ycocg_dxt5(Zvp8u* pBlock, Zvp8u* pOut) { ycocgBlock(pBlock, pOut, zvp::tex::alphaIndicesScalar); }
+
+void zvp::tex::ycocgBlockScalar(const Zvp8u* pBlock, Zvp8u* pOut) {
+  Zvp8u copy[48];
+  std::memcpy(copy, pBlock, 48);
+  ycocgBlock(copy, pOut, alphaIndicesScalar);
+}
+
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT1_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
-  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  Zvp8u block[64];
-  for (int by = 0; by < blocksY; ++by)
-    for (int bx = 0; bx < blocksX; ++bx) {
-      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
-      k.colour(block, pDst);
-      pDst += 8;
-    }
-  return zvpStatusOk;
+  return encodeRegion<4, 8, dxt1Block>(pSrc, srcStep, roi, pDst);
 }
 
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT3_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
-  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  Zvp8u block[64];
-  for (int by = 0; by < blocksY; ++by)
-    for (int bx = 0; bx < blocksX; ++bx) {
-      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
-      dxt3Alpha(block, pDst);
-      k.colour(block, pDst + 8);
-      pDst += 16;
-    }
-  return zvpStatusOk;
+  return encodeRegion<4, 16, dxt3Block>(pSrc, srcStep, roi, pDst);
 }
 
 ZvpStatus ownpj_TextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  const int wideBlocks = 4 * (roi.width / 16);
-  const zvp::tex::BlockKernels k = zvp::tex::blockKernels();
-  Zvp8u block[64];
-  for (int by = 0; by < blocksY; ++by) {
-    int bx = 0;
-    if (4 * by + 4 <= roi.height && wideBlocks > 0) {
-      ownpj_TextureEncodeBlockRowFromRGBA_DXT5_8u_C4C1R(zvp::rowPtr(pSrc, srcStep, 4 * by), srcStep, pDst, wideBlocks);
-      pDst += 16 * wideBlocks;
-      bx = wideBlocks;
-    }
-    for (; bx < blocksX; ++bx) {
-      gatherBlock(pSrc, srcStep, roi, bx, by, 4, block);
-      k.alphaRGBA(block, pDst);
-      k.colour(block, pDst + 8);
-      pDst += 16;
-    }
-  }
-  return zvpStatusOk;
+  return encodeRegion<4, 16, dxt5Block>(pSrc, srcStep, roi, pDst, zvp::tex::wideRow());
 }
 
 ZvpStatus ownpj_TextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(const Zvp8u* pSrc, int srcStep, ZvpiSize roi, Zvp8u* pDst) {
-  const int blocksX = (roi.width + 3) / 4, blocksY = (roi.height + 3) / 4;
-  const zvp::tex::YCoCgBlockFn fn = zvp::tex::blockKernels().ycocg;
-  Zvp8u block[48];
-  for (int by = 0; by < blocksY; ++by)
-    for (int bx = 0; bx < blocksX; ++bx) {
-      gatherBlock(pSrc, srcStep, roi, bx, by, 3, block);
-      fn(block, pDst);
-      pDst += 16;
-    }
-  return zvpStatusOk;
+  return encodeRegion<3, 16, ycocgBlockKernel>(pSrc, srcStep, roi, pDst);
 }
 
 // Tests: pointers, then a step of exactly 0 (a negative step is accepted),

@@ -4,35 +4,45 @@
 // DXT5 alpha half by counting thresholds in byte lanes. The wide DXT5 path:
 // one block per turn, 4 rows of 16 bytes: minimum and maximum by byte lanes,
 // channel sums by multiply-add, the position by one signed high multiply per
-// pixel, indices by byte shuffle and multiply-add packing. Each kernel gives the bytes of its scalar twin.
+// pixel, indices by byte shuffle and multiply-add packing. Each kernel gives
+// the bytes of its scalar twin.
 #if !defined(ZVP_NO_X86)
 #include <smmintrin.h>
 
 #include <algorithm>
 
 #include "core/parallel.h"
+#include "texture/dxtenc.h"
 #include "texture/texture.h"
 
 namespace zvp::tex {
 namespace {
 
-// Dividers, low 16 bits as used: 32768 / (i + 1) for the colour range sum,
-// 65536 / (i + 1) for the alpha range.
-struct Dividers {
-  int16_t colour[766];
-  int16_t alpha[256];
-};
-constexpr Dividers makeDividers() {
-  Dividers d{};
-  for (int i = 0; i < 766; ++i) d.colour[i] = static_cast<int16_t>(static_cast<uint16_t>(32768 / (i + 1)));
-  for (int i = 0; i < 256; ++i) d.alpha[i] = static_cast<int16_t>(static_cast<uint16_t>(65536 / (i + 1)));
-  return d;
-}
-constexpr Dividers kDividers = makeDividers();
+using namespace enc;
 
-inline void store16(Zvp8u* p, uint32_t v) {
-  p[0] = static_cast<Zvp8u>(v);
-  p[1] = static_cast<Zvp8u>(v >> 8);
+// Per-channel minimum and maximum of 16 RGBA pixels (4 registers), in every
+// pixel of the results.
+inline void channelMinMax(__m128i p0, __m128i p1, __m128i p2, __m128i p3, __m128i& mn, __m128i& mx) {
+  mn = _mm_min_epu8(_mm_min_epu8(p0, p1), _mm_min_epu8(p2, p3));
+  mx = _mm_max_epu8(_mm_max_epu8(p0, p1), _mm_max_epu8(p2, p3));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0x4E));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0x4E));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0xB1));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0xB1));
+}
+
+// 16 2-bit values (bytes, pixel order) to one 32-bit word.
+inline uint32_t pack2(__m128i v) {
+  __m128i c = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0401)), _mm_set1_epi32(0x00100001));
+  c = _mm_packus_epi16(_mm_packus_epi32(c, c), c);
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(c));
+}
+
+// 16 3-bit values (bytes, pixel order) to 48 bits.
+inline uint64_t pack3(__m128i v) {
+  const __m128i a = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0801)), _mm_set1_epi32(0x00400001));
+  return join12(static_cast<uint32_t>(_mm_cvtsi128_si32(a)), static_cast<uint32_t>(_mm_extract_epi32(a, 1)),
+                static_cast<uint32_t>(_mm_extract_epi32(a, 2)), static_cast<uint32_t>(_mm_extract_epi32(a, 3)));
 }
 
 void wideBlock(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
@@ -40,23 +50,11 @@ void wideBlock(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
   const __m128i r1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(zvp::rowPtr(pSrc, srcStep, 1)));
   const __m128i r2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(zvp::rowPtr(pSrc, srcStep, 2)));
   const __m128i r3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(zvp::rowPtr(pSrc, srcStep, 3)));
-  __m128i mn = _mm_min_epu8(_mm_min_epu8(r0, r1), _mm_min_epu8(r2, r3));
-  __m128i mx = _mm_max_epu8(_mm_max_epu8(r0, r1), _mm_max_epu8(r2, r3));
-  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0x4E));
-  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0x4E));
-  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0xB1));
-  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0xB1));
-  const uint32_t mnw = static_cast<uint32_t>(_mm_cvtsi128_si32(mn));
-  const uint32_t mxw = static_cast<uint32_t>(_mm_cvtsi128_si32(mx));
-  int lo[4], hi[4], range[4];
-  for (int ch = 0; ch < 4; ++ch) {
-    const int a = (mnw >> (8 * ch)) & 0xFF, b = (mxw >> (8 * ch)) & 0xFF;
-    range[ch] = b - a;
-    hi[ch] = b - (range[ch] >> 4);
-    lo[ch] = a + (range[ch] >> 4);
-  }
-  const __m128i dc = _mm_set1_epi16(kDividers.colour[range[0] + range[1] + range[2]]);
-  const __m128i da = _mm_set1_epi16(kDividers.alpha[range[3]]);
+  __m128i mn, mx;
+  channelMinMax(r0, r1, r2, r3, mn, mx);
+  const WideRange range{static_cast<uint32_t>(_mm_cvtsi128_si32(mn)), static_cast<uint32_t>(_mm_cvtsi128_si32(mx))};
+  const __m128i dc = _mm_set1_epi16(static_cast<int16_t>(range.colourDivider()));
+  const __m128i da = _mm_set1_epi16(static_cast<int16_t>(range.alphaDivider()));
 
   const __m128i wc = _mm_set1_epi32(0x00080808);
   const __m128i wa = _mm_set1_epi32(0x08000000);
@@ -69,60 +67,26 @@ void wideBlock(const Zvp8u* pSrc, int srcStep, Zvp8u* pOut) {
   // Saturated to 0..255 by the unsigned pack.
   const __m128i rawC = _mm_packus_epi16(_mm_mulhi_epi16(s01, dc), _mm_mulhi_epi16(s23, dc));
   const __m128i rawA = _mm_packus_epi16(_mm_mulhi_epi16(t01, da), _mm_mulhi_epi16(t23, da));
-  const __m128i cIdx = _mm_shuffle_epi8(_mm_setr_epi8(1, 3, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0), rawC);
-  const __m128i aIdx = _mm_shuffle_epi8(_mm_setr_epi8(1, 7, 6, 5, 4, 3, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0), rawA);
-  // Colour: four 2-bit indices per byte.
-  __m128i c = _mm_madd_epi16(_mm_maddubs_epi16(cIdx, _mm_set1_epi16(0x0401)), _mm_set1_epi32(0x00100001));
-  c = _mm_packus_epi16(_mm_packus_epi32(c, c), c);
-  const uint32_t cw = static_cast<uint32_t>(_mm_cvtsi128_si32(c));
-  // Alpha: four 3-bit indices in 12 bits per lane, joined to 48 bits.
-  const __m128i a = _mm_madd_epi16(_mm_maddubs_epi16(aIdx, _mm_set1_epi16(0x0801)), _mm_set1_epi32(0x00400001));
-  const uint64_t aw = static_cast<uint64_t>(static_cast<uint32_t>(_mm_cvtsi128_si32(a))) |
-                      (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 1))) << 12) |
-                      (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 2))) << 24) |
-                      (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 3))) << 36);
-  pOut[0] = static_cast<Zvp8u>(hi[3]);
-  pOut[1] = static_cast<Zvp8u>(lo[3]);
-  for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(aw >> (8 * i));
-  store16(pOut + 8, static_cast<uint32_t>(((hi[0] >> 3) << 11) | ((hi[1] >> 2) << 5) | (hi[2] >> 3)));
-  store16(pOut + 10, static_cast<uint32_t>(((lo[0] >> 3) << 11) | ((lo[1] >> 2) << 5) | (lo[2] >> 3)));
-  for (int i = 0; i < 4; ++i) pOut[12 + i] = static_cast<Zvp8u>(cw >> (8 * i));
+  const __m128i cIdx = _mm_shuffle_epi8(_mm_load_si128(reinterpret_cast<const __m128i*>(kColourRawToIndex)), rawC);
+  const __m128i aIdx = _mm_shuffle_epi8(_mm_load_si128(reinterpret_cast<const __m128i*>(kAlphaRawToIndex)), rawA);
+  storeWideBlock(pOut, range, pack2(cIdx), pack3(aIdx));
 }
 
 // Absolute difference of unsigned bytes.
 inline __m128i absdiff(__m128i a, __m128i b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
 
-// 16 2-bit values (bytes, pixel order) to one 32-bit word.
-inline uint32_t pack2(__m128i v) {
-  __m128i c = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0401)), _mm_set1_epi32(0x00100001));
-  c = _mm_packus_epi16(_mm_packus_epi32(c, c), c);
-  return static_cast<uint32_t>(_mm_cvtsi128_si32(c));
-}
-
-// 16 3-bit values (bytes, pixel order) to 48 bits.
-inline uint64_t pack3(__m128i v) {
-  const __m128i a = _mm_madd_epi16(_mm_maddubs_epi16(v, _mm_set1_epi16(0x0801)), _mm_set1_epi32(0x00400001));
-  return static_cast<uint64_t>(static_cast<uint32_t>(_mm_cvtsi128_si32(a))) |
-         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 1))) << 12) |
-         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 2))) << 24) |
-         (static_cast<uint64_t>(static_cast<uint32_t>(_mm_extract_epi32(a, 3))) << 36);
-}
-
 // Index of each pixel by counting the thresholds at or above its alpha.
 void alphaFromThresholds(__m128i alpha, int a0, int a1, Zvp8u* pOut) {
-  const int bias = (a0 - a1) / 14;
+  int t[7];
+  alphaThresholds(a0, a1, t);
   __m128i count = _mm_setzero_si128();
   for (int k = 0; k < 7; ++k) {
-    const int t = k == 0 ? a1 + bias : ((7 - k) * a0 + k * a1) / 7 + bias;
-    const __m128i tv = _mm_set1_epi8(static_cast<char>(t & 0xFF));
+    const __m128i tv = _mm_set1_epi8(static_cast<char>(t[k]));
     count = _mm_sub_epi8(count, _mm_cmpeq_epi8(_mm_max_epu8(tv, alpha), tv));
   }
   // (n + 1) & 7 with 0 and 1 exchanged.
   const __m128i idx = _mm_shuffle_epi8(_mm_setr_epi8(0, 2, 3, 4, 5, 6, 7, 1, 0, 0, 0, 0, 0, 0, 0, 0), count);
-  const uint64_t bits = pack3(idx);
-  pOut[0] = static_cast<Zvp8u>(a0);
-  pOut[1] = static_cast<Zvp8u>(a1);
-  for (int i = 0; i < 6; ++i) pOut[2 + i] = static_cast<Zvp8u>(bits >> (8 * i));
+  storeAlphaHalf(pOut, a0, a1, pack3(idx));
 }
 
 // Shuffle controls that gather channel c of 16 packed 3-byte pixels from
@@ -149,20 +113,17 @@ inline __m128i gather3(const __m128i v[3], int c) {
   return r;
 }
 
-inline int hmin(__m128i v) {
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 8));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 4));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 2));
-  v = _mm_min_epu8(v, _mm_srli_si128(v, 1));
+// All 16 bytes of v folded by op (a byte-lane minimum or maximum).
+template <class Op>
+inline int fold16(__m128i v, Op op) {
+  v = op(v, _mm_srli_si128(v, 8));
+  v = op(v, _mm_srli_si128(v, 4));
+  v = op(v, _mm_srli_si128(v, 2));
+  v = op(v, _mm_srli_si128(v, 1));
   return _mm_cvtsi128_si32(v) & 0xFF;
 }
-inline int hmax(__m128i v) {
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 8));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 4));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 2));
-  v = _mm_max_epu8(v, _mm_srli_si128(v, 1));
-  return _mm_cvtsi128_si32(v) & 0xFF;
-}
+inline int hmin(__m128i v) { return fold16(v, [](__m128i a, __m128i b) { return _mm_min_epu8(a, b); }); }
+inline int hmax(__m128i v) { return fold16(v, [](__m128i a, __m128i b) { return _mm_max_epu8(a, b); }); }
 
 // x >= m per unsigned byte, as all ones.
 inline __m128i geu8(__m128i x, __m128i m) { return _mm_cmpeq_epi8(_mm_max_epu8(x, m), x); }
@@ -177,45 +138,21 @@ void ycocgBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
   __m128i co = gather3(v, 1), cg = gather3(v, 2);
   const int mnY = hmin(y), mxY = hmax(y);
   const int mnCo = hmin(co), mxCo = hmax(co), mnCg = hmin(cg), mxCg = hmax(cg);
-  auto dist = [](int x) { return x > 128 ? x - 128 : 128 - x; };
-  int q = dist(mxCo);
-  q = std::max(q, dist(mxCg));
-  q = std::max(q, dist(mnCo));
-  q = std::max(q, dist(mnCg));
-  const int scale = q < 32 ? 4 : (q < 64 ? 2 : 1);
+  const YCoCgEnds e = ycocgEnds(mnCo, mxCo, mnCg, mxCg);
   // (scale (x - 128) + 128) mod 256, in byte lanes.
   const __m128i bias = _mm_set1_epi8(static_cast<char>(0x80));
   co = _mm_xor_si128(co, bias);
   cg = _mm_xor_si128(cg, bias);
-  for (int s = scale; s > 1; s >>= 1) {
+  for (int s = e.scale; s > 1; s >>= 1) {
     co = _mm_add_epi8(co, co);
     cg = _mm_add_epi8(cg, cg);
   }
   co = _mm_xor_si128(co, bias);
   cg = _mm_xor_si128(cg, bias);
-  const auto scaled = [scale](int x) { return static_cast<uint32_t>((scale * (x - 128) + 128) & 255); };
-  const uint32_t lCo = scaled(mnCo), hCo = scaled(mxCo), lCg = scaled(mnCg), hCg = scaled(mxCg);
-  const uint32_t loCo = ((16u * lCo + (hCo - lCo) - 7u) >> 4) & 0xFF;
-  const uint32_t hiCo = std::min<uint32_t>((16u * hCo - (hCo - lCo) + 7u) >> 4, 255u);
-  uint32_t loCg = ((16u * lCg + (hCg - lCg) - 7u) >> 4) & 0xFF;
-  uint32_t hiCg = std::min<uint32_t>((16u * hCg - (hCg - lCg) + 7u) >> 4, 255u);
-  const uint32_t eLoCo = (loCo & 0xF8) | (loCo >> 5), eHiCo = (hiCo & 0xF8) | (hiCo >> 5);
-  uint32_t eLoCg = (loCg & 0xFC) | (loCg >> 6), eHiCg = (hiCg & 0xFC) | (hiCg >> 6);
-  const uint32_t midCo = (eLoCo + eHiCo + 1) >> 1, midCg = (eLoCg + eHiCg + 1) >> 1;
-  const __m128i off = _mm_xor_si128(geu8(co, _mm_set1_epi8(static_cast<char>(midCo))),
-                                    geu8(cg, _mm_set1_epi8(static_cast<char>(midCg))));
-  if (__builtin_popcount(static_cast<unsigned>(_mm_movemask_epi8(off))) > 8) {
-    std::swap(loCg, hiCg);
-    std::swap(eLoCg, eHiCg);
-  }
-  const uint32_t blue = static_cast<uint32_t>(scale - 1);
-  store16(pOut + 8, ((hiCo >> 3) << 11) | ((hiCg >> 2) << 5) | blue);
-  store16(pOut + 10, ((loCo >> 3) << 11) | ((loCg >> 2) << 5) | blue);
-  int c[4][2] = {{static_cast<int>(eHiCo), static_cast<int>(eHiCg)}, {static_cast<int>(eLoCo), static_cast<int>(eLoCg)}};
-  for (int ch = 0; ch < 2; ++ch) {
-    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
-    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
-  }
+  const __m128i off = _mm_xor_si128(geu8(co, _mm_set1_epi8(static_cast<char>(e.midCo))),
+                                    geu8(cg, _mm_set1_epi8(static_cast<char>(e.midCg))));
+  int c[4][2];
+  ycocgFinish(e, __builtin_popcount(static_cast<unsigned>(_mm_movemask_epi8(off))), pOut, c);
   const __m128i ones = _mm_set1_epi8(1);
   __m128i dLo[4], dHi[4];
   for (int k = 0; k < 4; ++k) {
@@ -229,8 +166,7 @@ void ycocgBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
     const __m128i b1 = _mm_or_si128(_mm_and_si128(_mm_cmpgt_epi16(d[1], d[2]), _mm_cmpgt_epi16(d[0], d[2])), b0);
     return _mm_or_si128(_mm_and_si128(b0, _mm_set1_epi16(1)), _mm_and_si128(b1, _mm_set1_epi16(2)));
   };
-  const uint32_t indices = pack2(_mm_packus_epi16(index(dLo), index(dHi)));
-  for (int i = 0; i < 4; ++i) pOut[12 + i] = static_cast<Zvp8u>(indices >> (8 * i));
+  store32(pOut + 12, pack2(_mm_packus_epi16(index(dLo), index(dHi))));
   alphaFromThresholds(y, mxY, mnY, pOut);
 }
 
@@ -239,30 +175,14 @@ void colourBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
   const __m128i p1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 16));
   const __m128i p2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 32));
   const __m128i p3 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pBlock + 48));
-  __m128i mn = _mm_min_epu8(_mm_min_epu8(p0, p1), _mm_min_epu8(p2, p3));
-  __m128i mx = _mm_max_epu8(_mm_max_epu8(p0, p1), _mm_max_epu8(p2, p3));
-  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0x4E));
-  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0x4E));
-  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0xB1));
-  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0xB1));
+  __m128i mn, mx;
+  channelMinMax(p0, p1, p2, p3, mn, mx);
   const uint32_t mnw = static_cast<uint32_t>(_mm_cvtsi128_si32(mn));
   const uint32_t mxw = static_cast<uint32_t>(_mm_cvtsi128_si32(mx));
   int lo[3], hi[3];
-  for (int ch = 0; ch < 3; ++ch) {
-    const int a = (mnw >> (8 * ch)) & 0xFF, b = (mxw >> (8 * ch)) & 0xFF;
-    hi[ch] = b - ((b - a) >> 4);
-    lo[ch] = a + ((b - a) >> 4);
-  }
-  const uint32_t w0 = static_cast<uint32_t>(((hi[0] >> 3) << 11) | ((hi[1] >> 2) << 5) | (hi[2] >> 3));
-  const uint32_t w1 = static_cast<uint32_t>(((lo[0] >> 3) << 11) | ((lo[1] >> 2) << 5) | (lo[2] >> 3));
-  int c[4][3];
-  for (int ch = 0; ch < 3; ++ch) {
-    const int mask = ch == 1 ? 0xFC : 0xF8, sh = ch == 1 ? 6 : 5;
-    c[0][ch] = (hi[ch] & mask) | (hi[ch] >> sh);
-    c[1][ch] = (lo[ch] & mask) | (lo[ch] >> sh);
-    c[2][ch] = (2 * c[0][ch] + c[1][ch]) / 3;
-    c[3][ch] = (c[0][ch] + 2 * c[1][ch]) / 3;
-  }
+  for (int ch = 0; ch < 3; ++ch) insetEnds(channel(mnw, ch), channel(mxw, ch), lo[ch], hi[ch]);
+  int c[4][3] = {{widen5(hi[0]), widen6(hi[1]), widen5(hi[2])}, {widen5(lo[0]), widen6(lo[1]), widen5(lo[2])}};
+  paletteThirds<3>(c);
   // Sum of absolute R, G, B differences per pixel, 16 bits, pixels 0-7 and 8-15.
   const __m128i ones = _mm_set1_epi32(0x00010101);
   __m128i dLo[4], dHi[4];
@@ -277,10 +197,8 @@ void colourBlockSSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
                                     _mm_and_si128(_mm_cmpgt_epi16(d[0], d[3]), _mm_cmpgt_epi16(d[1], d[3])));
     return _mm_or_si128(_mm_and_si128(b0, _mm_set1_epi16(1)), _mm_and_si128(b1, _mm_set1_epi16(2)));
   };
-  const uint32_t indices = pack2(_mm_packus_epi16(index(dLo), index(dHi)));
-  store16(pOut, w0);
-  store16(pOut + 2, w1);
-  for (int i = 0; i < 4; ++i) pOut[4 + i] = static_cast<Zvp8u>(indices >> (8 * i));
+  storeColourHalf(pOut, pack565(hi[0], hi[1], hi[2]), pack565(lo[0], lo[1], lo[2]),
+                  pack2(_mm_packus_epi16(index(dLo), index(dHi))));
 }
 
 void alphaBlockRGBASSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
@@ -291,17 +209,9 @@ void alphaBlockRGBASSE41(const Zvp8u* pBlock, Zvp8u* pOut) {
   // The 16 alpha bytes in pixel order.
   const __m128i a = _mm_or_si128(_mm_or_si128(row(0), _mm_slli_si128(row(1), 4)),
                                  _mm_or_si128(_mm_slli_si128(row(2), 8), _mm_slli_si128(row(3), 12)));
-  __m128i mn = _mm_min_epu8(a, _mm_srli_si128(a, 8));
-  __m128i mx = _mm_max_epu8(a, _mm_srli_si128(a, 8));
-  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 4));
-  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 4));
-  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 2));
-  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 2));
-  mn = _mm_min_epu8(mn, _mm_srli_si128(mn, 1));
-  mx = _mm_max_epu8(mx, _mm_srli_si128(mx, 1));
-  const int lo = _mm_cvtsi128_si32(mn) & 0xFF, hi = _mm_cvtsi128_si32(mx) & 0xFF;
-  const int inset = (hi - lo) >> 4;
-  alphaFromThresholds(a, hi - inset, lo + inset, pOut);
+  int lo, hi;
+  insetEnds(hmin(a), hmax(a), lo, hi);
+  alphaFromThresholds(a, hi, lo, pOut);
 }
 
 void alphaIndicesSSE41(const Zvp8u* pAlpha16, int a0, int a1, Zvp8u* pOut) {

@@ -96,9 +96,4 @@ struct BlockKernels {
 };
 BlockKernels blockKernels();  // the dispatch point of the block path
 
-// Wide-path per-pixel maps: raw colour position 0..3 to DXT index, raw alpha
-// position 0..7 to DXT5 alpha index.
-inline constexpr Zvp8u kColorRawToIndex[4] = {1, 3, 2, 0};
-inline constexpr Zvp8u kAlphaRawToIndex[8] = {1, 7, 6, 5, 4, 3, 2, 0};
-
 }  // namespace zvp::tex
