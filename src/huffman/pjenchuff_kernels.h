@@ -21,19 +21,8 @@ int encodeBlockFastAVX2(const Zvp16s* pSrc, Zvp8u* pDst, int dstLenBytes, int* p
                         ZvpiEncodeHuffmanState* s);
 void encodeBlockDirectAVX2(const Zvp16s* pSrc, Zvp8u* pDst, int* pDstBitsLen, Zvp16s* pLastDC,
                            const ZvpiEncodeHuffmanSpec* pDcTable, const ZvpiEncodeHuffmanSpec* pAcTable);
-#endif
-
-}  // namespace zvp::huff
-
-namespace zvp::huff {
-#if !defined(ZVP_NO_X86)
 // The zig-zag nonzero mask (as zigzagMaskScalar) in the AVX2 build.
 uint64_t zigzagMaskAVX2(const Zvp16s* pSrc);
-#endif
-}  // namespace zvp::huff
-
-namespace zvp::huff {
-#if !defined(ZVP_NO_X86)
 // AVX-512 build: the block in zig-zag order with its nonzero mask (returned)
 // and per position k, (category << 16) | value bits in prep[k].
 uint64_t prepareBlockAVX512(const Zvp16s* pSrc, uint32_t* prep);
